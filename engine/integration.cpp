@@ -1,0 +1,210 @@
+#include <cmath>
+
+#include "world.h"
+
+namespace {
+constexpr double kEnergyTolerance = 1e-12;
+constexpr double kMinimumSubstep = 1e-8;
+
+LinkedList* copyBodies(const LinkedList& source) {
+  auto* copy = new LinkedList;
+  forEachItem<Body>(source, [&](const Body& b) { copy->append(new ListNode(new Body(b))); });
+  return copy;
+}
+}  // namespace
+
+void World::clearAllForces() {
+  forEachItem<Body>(*bodies, [](Body& b) {
+    if (b.active) {
+      b.clearForces();
+    }
+  });
+}
+
+void World::computeForces() {
+  const double minusG = -gravitationalConstant;
+  for (ListNode* ni = bodies->head(); ni != nullptr; ni = ni->next) {
+    auto* bi = static_cast<Body*>(ni->item());
+    if (!bi->active) {
+      continue;
+    }
+    for (ListNode* nj = ni->next; nj != nullptr; nj = nj->next) {
+      auto* bj = static_cast<Body*>(nj->item());
+      if (!bj->active) {
+        continue;
+      }
+      const Vector d = bi->position - bj->position;
+      const double d2 = d.lengthSquared();
+      const double l = std::sqrt(d2);
+      // A pair within 1e-12 (coincident bodies included) has no direction and
+      // exerts no force; skipping it also keeps an infinite or undefined
+      // magnitude from turning the zero direction into NaN.
+      if (!(std::fabs(l) > Vector::kTolerance)) {
+        continue;
+      }
+      const double s = ((minusG * bi->mass) * bj->mass) / d2;
+      const Vector f = s * Vector::of(d.x / l, d.y / l, d.z / l);
+      bi->addForce(f);
+      bj->addForce(-1.0 * f);
+    }
+  }
+}
+
+bool World::integrate() {
+  const double dt = timeStep;
+  const double h = dt * 0.5;
+
+  clearAllForces();
+  computeForces();
+
+  forEachItem<Body>(*bodies, [](Body& b) {
+    b.startPosition = b.position;
+    b.startVelocity = b.velocity;
+    b.stageVelocity[0] = b.velocity;
+    b.acceleration = b.computeAcceleration();
+  });
+
+  // Forward Euler prediction, used only to look for collisions: the new
+  // velocity moves the position.
+  forEachItem<Body>(*bodies, [dt](Body& b) {
+    const Vector v = b.startVelocity + b.acceleration * dt;
+    b.position = b.startPosition + v * dt;
+    b.velocity = v;
+  });
+  if (collide()) {
+    return true;
+  }
+
+  forEachItem<Body>(*bodies, [](Body& b) {
+    b.position = b.startPosition;
+    b.velocity = b.startVelocity;
+  });
+
+  // Stages 2 to 4: each sample is taken from the forces of the previous
+  // positions, then the bodies move to the next trial positions.
+  const double stageFactor[3] = {h, h, dt};
+  for (int k = 0; k < 3; ++k) {
+    const double f = stageFactor[k];
+    forEachItem<Body>(*bodies, [k, f](Body& b) {
+      b.stageAcceleration[k] = b.computeAcceleration();
+      b.stageVelocity[k + 1] = b.startVelocity + f * b.stageAcceleration[k];
+      b.position = b.startPosition + f * b.stageVelocity[k];
+      b.clearForces();
+    });
+    computeForces();
+  }
+
+  forEachItem<Body>(*bodies, [dt](Body& b) {
+    b.stageAcceleration[3] = b.computeAcceleration();
+    b.position = b.startPosition +
+                 (dt * (b.stageVelocity[0] + 2.0 * (b.stageVelocity[1] + b.stageVelocity[2]) +
+                        b.stageVelocity[3])) /
+                     6.0;
+    b.velocity =
+        b.startVelocity +
+        (dt * (b.stageAcceleration[0] + 2.0 * (b.stageAcceleration[1] + b.stageAcceleration[2]) +
+               b.stageAcceleration[3])) /
+            6.0;
+    b.clearForces();
+  });
+
+  return collide();
+}
+
+// One step of the full time step is checked against n steps of a divided time
+// step, both from the state on entry. When the relative energy difference is
+// at least 1e-12 (and the divided step is still at least 1e-8) the check is
+// refined: the n-substep result becomes the coarse result and is compared
+// with 2n substeps, and so on. Every result covers exactly the time step on
+// entry, so the bodies advance by the time step() adds to elapsedTime. The
+// coarse result of the first comparison that agrees is kept; on the first
+// level that is the single step, as without adaptive stepping.
+void World::adaptiveStep(int n) {
+  const double dt = timeStep;
+  LinkedList* entry = copyBodies(*bodies);
+
+  integrate();
+  double coarseEnergy = energy();
+  LinkedList* coarse = bodies;
+
+  // Kept as a double: the loop ends by the substep bound long before a power
+  // of two would overflow it, and a double cannot wrap.
+  for (double substeps = n;; substeps *= 2.0) {
+    bodies = copyBodies(*entry);
+    timeStep = dt / substeps;
+    for (double i = 0.0; i < substeps; i += 1.0) {
+      integrate();
+    }
+    const double fineEnergy = energy();
+    LinkedList* fine = bodies;
+    const bool refine = std::fabs(fineEnergy - coarseEnergy) / std::fabs(coarseEnergy) >=
+                            kEnergyTolerance &&
+                        timeStep >= kMinimumSubstep;
+    if (!refine) {
+      delete fine;
+      bodies = coarse;
+      break;
+    }
+    delete coarse;
+    coarse = fine;
+    coarseEnergy = fineEnergy;
+  }
+
+  delete entry;
+  timeStep = dt;
+}
+
+void World::step() {
+  recordTraces();
+  if (adaptive) {
+    adaptiveStep(2);
+  } else {
+    integrate();
+  }
+  elapsedTime += timeStep;
+}
+
+double World::energy() const {
+  double kinetic = 0.0;
+  double potential = 0.0;
+  const double g = gravitationalConstant;
+  for (ListNode* ni = bodies->head(); ni != nullptr; ni = ni->next) {
+    auto* bi = static_cast<Body*>(ni->item());
+    kinetic += dot(bi->mass * bi->velocity, bi->velocity);
+    for (ListNode* nj = ni->next; nj != nullptr; nj = nj->next) {
+      auto* bj = static_cast<Body*>(nj->item());
+      potential += g * bi->mass * bj->mass / (bi->position - bj->position).length();
+    }
+  }
+  return 0.5 * kinetic - potential;
+}
+
+Vector World::momentum() const {
+  Vector p;
+  forEachItem<Body>(*bodies, [&](const Body& b) { p += b.mass * b.velocity; });
+  for (double* c : {&p.x, &p.y, &p.z}) {
+    if (std::fabs(*c) < Vector::kTolerance) {
+      *c = 0.0;
+    }
+  }
+  return p;
+}
+
+Vector World::centerOfMass() const {
+  Vector sum;
+  double totalMass = 0.0;
+  forEachItem<Body>(*bodies, [&](const Body& b) {
+    sum += b.mass * b.position;
+    totalMass += b.mass;
+  });
+  // In-place division: a total mass of at most 1e-12 leaves the weighted sum.
+  sum /= totalMass;
+  return sum;
+}
+
+void World::computeAccelerations() {
+  clearAllForces();
+  computeForces();
+  forEachItem<Body>(*bodies, [](Body& b) { b.acceleration = b.computeAcceleration(); });
+  clearAllForces();
+}

@@ -1,0 +1,132 @@
+#include "world.h"
+
+#include <cstring>
+
+#include "position_point.h"
+
+World::World() { reset(); }
+
+World::~World() {
+  delete bodies;
+  delete tracePoints;
+}
+
+void World::reset() {
+  delete bodies;
+  delete tracePoints;
+  bodies = new LinkedList;
+  tracePoints = new LinkedList;
+  elapsedTime = 0.0;
+  traceHistoryPoints = kDefaultTraceHistoryPoints;
+  timeStep = kDefaultTimeStep;
+  gravitationalConstant = kDefaultGravitationalConstant;
+  restitution = 1.0;
+  adaptive = false;
+  merge = true;
+  nextBodyId = kFirstBodyId;
+  nextViewNumber = kFirstViewNumber;
+  setName("Default world");
+  millisecondsPerUpdate = 0.0f;
+}
+
+Body* World::createBody() {
+  auto* body = new Body(nextBodyId - kFirstBodyId);
+  bodies->append(new ListNode(body));
+  body->id = nextBodyId;
+  ++nextBodyId;
+  return body;
+}
+
+Body* World::findBodyById(int32_t id) const {
+  for (ListNode* node = bodies->head(); node != nullptr; node = node->next) {
+    auto* body = static_cast<Body*>(node->item());
+    if (body->id == id) {
+      return body;
+    }
+  }
+  return nullptr;
+}
+
+Body* World::findBodyByName(std::string_view wanted) const {
+  for (ListNode* node = bodies->head(); node != nullptr; node = node->next) {
+    auto* body = static_cast<Body*>(node->item());
+    if (std::string_view(body->name) == wanted) {
+      return body;
+    }
+  }
+  return nullptr;
+}
+
+void World::deleteBodyById(int32_t id) {
+  for (ListNode* node = bodies->head(); node != nullptr; node = node->next) {
+    if (static_cast<Body*>(node->item())->id == id) {
+      bodies->remove(node);
+      return;
+    }
+  }
+}
+
+void World::deleteAllBodies() {
+  delete bodies;
+  bodies = new LinkedList;
+}
+
+void World::removeInactiveBodies() {
+  ListNode* node = bodies->head();
+  while (node != nullptr) {
+    ListNode* next = node->next;
+    if (!static_cast<Body*>(node->item())->active) {
+      bodies->remove(node);
+    }
+    node = next;
+  }
+}
+
+namespace {
+// Starts from the first body's position and replaces a component only when
+// the candidate is strictly beyond it, so NaN components never win.
+template <typename Better>
+Vector corner(const LinkedList& bodies, Better better) {
+  if (bodies.head() == nullptr) {
+    return Vector();
+  }
+  Vector c = static_cast<Body*>(bodies.head()->item())->position;
+  forEachItem<Body>(bodies, [&](const Body& b) {
+    if (better(b.position.x, c.x)) c.x = b.position.x;
+    if (better(b.position.y, c.y)) c.y = b.position.y;
+    if (better(b.position.z, c.z)) c.z = b.position.z;
+  });
+  return c;
+}
+}  // namespace
+
+Vector World::minCorner() const {
+  return corner(*bodies, [](double a, double b) { return a < b; });
+}
+
+Vector World::maxCorner() const {
+  return corner(*bodies, [](double a, double b) { return a > b; });
+}
+
+void World::recordTraces() {
+  forEachItem<Body>(*bodies, [&](Body& b) {
+    if (!b.active) {
+      return;
+    }
+    b.clearForces();
+    if (b.traceEnable) {
+      auto* point = new PositionPoint;
+      point->x = b.position.x;
+      point->y = b.position.y;
+      point->z = b.position.z;
+      std::memcpy(point->color, b.color, sizeof point->color);
+      tracePoints->append(new ListNode(point));
+    }
+  });
+  // A negative bound is treated as 0: the list is emptied, never trimmed past
+  // its head.
+  const int32_t bound = traceHistoryPoints < 0 ? 0 : traceHistoryPoints;
+  while (tracePoints->count() > bound) {
+    tracePoints->remove(tracePoints->head());
+  }
+}

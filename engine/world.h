@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "body.h"
+#include "linked_list.h"
+#include "names.h"
+#include "vector.h"
+
+// The one simulation the application holds: bodies, trace points, parameters,
+// elapsed time and the counters that number bodies and views. The host owns
+// time: the world only moves when step() is called.
+class World {
+ public:
+  // Defaults are single-precision constants widened to double.
+  static constexpr double kDefaultTimeStep = 0.009999999776482582;
+  static constexpr double kDefaultGravitationalConstant = 6.672590258105515e-11;
+  static constexpr int32_t kDefaultTraceHistoryPoints = 20000;
+  static constexpr int32_t kFirstBodyId = 100;
+  static constexpr int32_t kFirstViewNumber = 100;
+
+  World();
+  ~World();
+  World(const World&) = delete;
+  World& operator=(const World&) = delete;
+
+  // Body management.
+  void reset();
+  Body* createBody();
+  Body* findBodyById(int32_t id) const;
+  Body* findBodyByName(std::string_view name) const;
+  void deleteBodyById(int32_t id);
+  void deleteAllBodies();
+  void removeInactiveBodies();
+  int32_t takeViewNumber() { return nextViewNumber++; }
+  Vector minCorner() const;
+  Vector maxCorner() const;
+  void setName(std::string_view newName) { copyName(name, newName); }
+
+  // Time integration.
+  void step();
+  bool integrate();
+  void adaptiveStep(int n);
+  void clearAllForces();
+  void computeForces();
+  double energy() const;
+  Vector momentum() const;
+  Vector centerOfMass() const;
+  void computeAccelerations();
+
+  // Collisions and traces.
+  bool collide();
+  void recordTraces();
+
+  double elapsedTime = 0.0;
+  LinkedList* bodies = nullptr;
+  LinkedList* tracePoints = nullptr;
+  int32_t traceHistoryPoints = kDefaultTraceHistoryPoints;
+  double timeStep = kDefaultTimeStep;
+  double gravitationalConstant = kDefaultGravitationalConstant;
+  double restitution = 1.0;
+  bool adaptive = false;
+  bool merge = true;
+  int32_t nextBodyId = kFirstBodyId;
+  int32_t nextViewNumber = kFirstViewNumber;
+  char name[kNameSize] = {};
+  float millisecondsPerUpdate = 0.0f;
+};
+
+// Walks a list whose items are all of one known type.
+template <typename T, typename F>
+void forEachItem(const LinkedList& list, F&& f) {
+  for (ListNode* node = list.head(); node != nullptr; node = node->next) {
+    f(*static_cast<T*>(node->item()));
+  }
+}

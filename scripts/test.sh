@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Builds Orrenvale and runs every test twice: in a release build, and in a
+# debug build under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Usage: scripts/test.sh            (from anywhere)
+set -euo pipefail
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+
+scripts/install-deps.sh
+
+jobs="$(nproc)"
+
+# Windows need a display; without one the tests run on a virtual one.
+run_ctest() {
+  local dir="$1"
+  if [ -z "${DISPLAY:-}" ]; then
+    xvfb-run -a -s "-screen 0 1280x1024x24" ctest --test-dir "$dir" --output-on-failure -j "$jobs"
+  else
+    ctest --test-dir "$dir" --output-on-failure -j "$jobs"
+  fi
+}
+
+echo "== release build"
+cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DORRENVALE_WERROR=ON
+cmake --build build/release -j "$jobs"
+run_ctest build/release
+
+echo "== sanitized build (ASan + UBSan)"
+cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORRENVALE_WERROR=ON \
+  -DORRENVALE_SANITIZE=ON -DORRENVALE_BUILD_BENCHMARKS=OFF
+cmake --build build/asan -j "$jobs"
+export ASAN_OPTIONS="detect_leaks=1:abort_on_error=0"
+export LSAN_OPTIONS="suppressions=$root/tests/lsan.supp:print_suppressions=0"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
+run_ctest build/asan
+
+echo "== all tests passed"

@@ -1,0 +1,21 @@
+# Fails when a layer includes headers it must not depend on: the engine never
+# includes Qt, and the document code and the runner never include QtWidgets or
+# QtGui.
+set(failed "")
+file(GLOB_RECURSE engine_files ${ROOT}/engine/*.h ${ROOT}/engine/*.cpp)
+foreach(f IN LISTS engine_files)
+  file(STRINGS ${f} hits REGEX "#[ \t]*include[ \t]*[<\"]Q")
+  if(hits)
+    list(APPEND failed "${f}: ${hits}")
+  endif()
+endforeach()
+file(GLOB_RECURSE core_files ${ROOT}/document/*.h ${ROOT}/document/*.cpp ${ROOT}/batch/*.h ${ROOT}/batch/*.cpp)
+foreach(f IN LISTS core_files)
+  file(STRINGS ${f} hits REGEX "#[ \t]*include[ \t]*[<\"](QtWidgets|QtGui|QtOpenGL)")
+  if(hits)
+    list(APPEND failed "${f}: ${hits}")
+  endif()
+endforeach()
+if(failed)
+  message(FATAL_ERROR "Layering broken:\n${failed}")
+endif()
