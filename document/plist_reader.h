@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+#include "plist_value.h"
+
+// The outcome of reading a property list: a value, or a one-line reason why
+// there is none.
+struct PlistReadResult {
+  std::optional<PlistValue> value;
+  QString error;
+};
+
+// Deeper nesting is refused: no datafile needs more than four levels, and the
+// bound keeps reading, copying and writing a hostile file off the stack's end.
+inline constexpr int kMaxPlistDepth = 256;
+
+// Files larger than this are refused before they are read. A datafile of
+// 10,000 bodies takes under 2 MB; the bound keeps a runaway file from taking
+// all memory, and a world anywhere near it could not be stepped anyway (the
+// force pass is quadratic in the number of bodies).
+inline constexpr qint64 kMaxPlistFileSize = qint64{32} * 1024 * 1024;
+
+// Reads an XML property list (the root element plist holding one value).
+// Comments, processing instructions, CDATA sections and a DOCTYPE are
+// accepted; any malformed or unknown element is an error.
+PlistReadResult readPlist(const QByteArray& xml);
+
+// Reads a property-list file; the error names the reason, not the file.
+PlistReadResult readPlistFile(const QString& path);
