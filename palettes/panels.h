@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QString>
 #include <optional>
 
@@ -47,6 +48,11 @@ class Panels {
 
   // A message with a single "OK" button.
   virtual void alert(QWidget* parent, const QString& title, const QString& message) = 0;
+
+  // The colour chooser of the palettes' colour wells; nothing on cancel. The
+  // default runs the standard colour dialog, so implementations need only
+  // override it to answer without a person.
+  virtual std::optional<QColor> chooseColor(QWidget* parent, const QColor& initial);
 };
 
 // Process-wide; the application installs its Qt panels, tests their own.

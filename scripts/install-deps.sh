@@ -10,6 +10,7 @@ packages=(
   qt6-base-dev libqt6opengl6-dev qt6-image-formats-plugins
   libgl1-mesa-dri libglu1-mesa-dev
   xvfb xauth
+  libxcb1-dev
 )
 
 missing=()

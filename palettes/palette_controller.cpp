@@ -1,0 +1,223 @@
+#include "palettes/palette_controller.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "palettes/color_well.h"
+#include "palettes/palette_window.h"
+
+namespace {
+
+// 0.2 s in single precision is 0.20000000298023224 s; QTimer counts whole
+// milliseconds, so the palettes refresh every 200 ms.
+constexpr int kRefreshIntervalMs = 200;
+
+bool userMovedFocus(Qt::FocusReason reason) {
+  return reason == Qt::MouseFocusReason || reason == Qt::TabFocusReason ||
+         reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
+}
+
+}  // namespace
+
+PaletteController::PaletteController(const QString& windowName, const QString& title,
+                                     QObject* parent)
+    : QObject(parent), window_(std::make_unique<PaletteWindow>(windowName, title)) {
+  layout_ = new QVBoxLayout(window_.get());
+  layout_->setContentsMargins(8, 8, 8, 8);
+  layout_->setSpacing(6);
+  window_->onUserClose = [this] { windowWillClose(); };
+  // The palette losing key status ends the editing guard.
+  window_->onDeactivate = [this] { selectedControl_ = nullptr; };
+}
+
+PaletteController::~PaletteController() {
+  becomeInvisible();
+  // The fields go with the window; nothing may reach them afterwards.
+  selectedControl_ = nullptr;
+  editedField_ = nullptr;
+  window_.reset();
+}
+
+QWidget* PaletteController::window() const {
+  return window_.get();
+}
+
+void PaletteController::becomeVisible() {
+  if (!timerExists_) {
+    refreshDataTimer_ = new QTimer(this);
+    refreshDataTimer_->setInterval(kRefreshIntervalMs);
+    connect(refreshDataTimer_, &QTimer::timeout, this, &PaletteController::updateControls);
+    refreshDataTimer_->start();
+    timerExists_ = true;
+  }
+  willBecomeVisible();
+  getValues();
+}
+
+void PaletteController::becomeInvisible() {
+  if (timerExists_) {
+    delete refreshDataTimer_;
+    refreshDataTimer_ = nullptr;
+    timerExists_ = false;
+  }
+}
+
+void PaletteController::updateControls() {
+  // Timers of the application pause while a dialog or a menu is up.
+  if (QApplication::activeModalWidget() != nullptr ||
+      QApplication::activePopupWidget() != nullptr) {
+    return;
+  }
+  getValues();
+}
+
+QLineEdit* PaletteController::makeTextField(const char* name) {
+  auto* field = new QLineEdit;
+  field->setObjectName(QString::fromLatin1(name));
+  field->installEventFilter(this);
+  connect(field, &QLineEdit::textEdited, this, [this, field] { beginEditing(field); });
+  connect(field, &QLineEdit::returnPressed, this, [this, field] { commitField(field); });
+  return field;
+}
+
+QLineEdit* PaletteController::makeReadOnlyField(const char* name) {
+  auto* field = new QLineEdit;
+  field->setObjectName(QString::fromLatin1(name));
+  field->setReadOnly(true);
+  // Without a frame a shown-only value does not look like something to edit;
+  // it can still be selected and copied.
+  field->setFrame(false);
+  field->setFocusPolicy(Qt::ClickFocus);
+  return field;
+}
+
+QComboBox* PaletteController::makePopUp(
+    const char* name, std::initializer_list<std::pair<const char*, QString>> items) {
+  auto* popUp = new QComboBox;
+  popUp->setObjectName(QString::fromLatin1(name));
+  for (const auto& [itemName, title] : items) {
+    popUp->addItem(title, QString::fromLatin1(itemName));
+  }
+  // activated is the user's choice only; the refresh selecting items does
+  // not commit anything.
+  connect(popUp, &QComboBox::activated, this, [this, popUp] { setValues(popUp); });
+  return popUp;
+}
+
+ColorWell* PaletteController::makeColorWell(const char* name) {
+  auto* well = new ColorWell;
+  well->setObjectName(QString::fromLatin1(name));
+  connect(well, &ColorWell::colorChosen, this, [this, well] { setValues(well); });
+  return well;
+}
+
+void PaletteController::showText(QLineEdit* field, const QString& text) {
+  if (field != selectedControl_ && field->text() != text) {
+    field->setText(text);
+  }
+}
+
+void PaletteController::showReadOnlyText(QLineEdit* field, const QString& text) {
+  if (field->text() != text) {
+    field->setText(text);
+  }
+}
+
+void PaletteController::selectItem(QComboBox* popUp, const char* itemName) {
+  const int index = popUp->findData(QString::fromLatin1(itemName));
+  if (index != popUp->currentIndex()) {
+    popUp->setCurrentIndex(index);
+  }
+}
+
+bool PaletteController::itemSelected(const QComboBox* popUp, const char* itemName) {
+  return popUp->currentData().toString() == QLatin1String(itemName);
+}
+
+void PaletteController::setControlEnabled(QWidget* control, bool enabled) {
+  if (control->isEnabled() != enabled) {
+    control->setEnabled(enabled);
+  }
+  if (enabled) {
+    return;
+  }
+  if (auto* field = qobject_cast<QLineEdit*>(control)) {
+    if (!field->text().isEmpty()) {
+      field->clear();
+    }
+  } else if (auto* popUp = qobject_cast<QComboBox*>(control)) {
+    popUp->setCurrentIndex(-1);
+  } else if (auto* well = qobject_cast<ColorWell*>(control)) {
+    well->clearColor();
+  }
+}
+
+void PaletteController::beginEditing(QLineEdit* field) {
+  // Only one field is edited at a time; one left without a focus change (for
+  // example by synthesised typing) is committed before the next one starts.
+  if (editedField_ != nullptr && editedField_ != field) {
+    commitField(editedField_);
+  }
+  editedField_ = field;
+  selectedControl_ = field;
+}
+
+void PaletteController::commitField(QLineEdit* field) {
+  if (editedField_ == field) {
+    editedField_ = nullptr;
+  }
+  if (selectedControl_ == field) {
+    selectedControl_ = nullptr;
+  }
+  // A field loses focus while it is being disabled (its model object has
+  // gone); there is nothing left to commit to.
+  if (!field->isEnabled()) {
+    return;
+  }
+  setValues(field);
+}
+
+void PaletteController::discardEditing(QLineEdit* field) {
+  if (editedField_ == field) {
+    editedField_ = nullptr;
+  }
+  selectedControl_ = nullptr;
+  getValues();
+}
+
+bool PaletteController::eventFilter(QObject* watched, QEvent* event) {
+  auto* field = qobject_cast<QLineEdit*>(watched);
+  if (field == nullptr) {
+    return QObject::eventFilter(watched, event);
+  }
+  switch (event->type()) {
+    case QEvent::FocusIn:
+      // A field that gets focus only because its window was activated keeps
+      // refreshing until the user types into it.
+      if (userMovedFocus(static_cast<QFocusEvent*>(event)->reason())) {
+        selectedControl_ = field;
+      }
+      break;
+    case QEvent::FocusOut:
+      if (editedField_ == field) {
+        commitField(field);
+      } else if (selectedControl_ == field) {
+        selectedControl_ = nullptr;
+      }
+      break;
+    case QEvent::KeyPress:
+      if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        discardEditing(field);
+        return true;
+      }
+      break;
+    default:
+      break;
+  }
+  return QObject::eventFilter(watched, event);
+}

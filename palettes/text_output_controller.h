@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QObject>
+#include <memory>
+#include <string>
+
+class PaletteWindow;
+class QPlainTextEdit;
+class QPushButton;
+class QTimer;
+class QWidget;
+
+// The text output palette: while logging is on, the controller pushes one
+// line of body states per simulation step into it; the user can clear the
+// log and save it as a text file. It has no refresh timer.
+class TextOutputController : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit TextOutputController(QObject* parent = nullptr);
+  ~TextOutputController() override;
+  TextOutputController(const TextOutputController&) = delete;
+  TextOutputController& operator=(const TextOutputController&) = delete;
+
+  QWidget* window() const;
+  bool wantsText() const { return wantsText_; }
+  // Appends one line for the host's world as it stands.
+  void writeLine();
+  // The whole log, byte for byte as it is saved (UTF-8).
+  const std::string& text() const { return log_; }
+
+  void clickBegin(QObject* sender);
+  void clickEnd(QObject* sender);
+  void clickClear(QObject* sender);
+  void clickSave(QObject* sender);
+
+ private:
+  void showPendingText();
+
+  std::unique_ptr<PaletteWindow> window_;
+  QPlainTextEdit* viewtext_ = nullptr;
+  QPushButton* begin_ = nullptr;
+  QPushButton* end_ = nullptr;
+  QPushButton* clear_ = nullptr;
+  QPushButton* save_ = nullptr;
+  QTimer* showTimer_ = nullptr;
+  bool wantsText_ = false;
+  // The log is kept as its own bytes: the text view would turn some
+  // characters of body names (no-break spaces, line separators) into others.
+  std::string log_;
+  // How much of log_ the text view already shows.
+  std::size_t shownBytes_ = 0;
+};

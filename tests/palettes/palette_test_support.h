@@ -1,0 +1,198 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenuBar>
+#include <QTest>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "close_box.h"
+#include "engine/names.h"
+#include "engine/world.h"
+#include "palettes/palette_host.h"
+#include "palettes/panels.h"
+
+class PaletteController;
+
+// Stands in for the application controller: a real world, a view record
+// the test supplies, flags the test sets, and a count of every command the
+// palettes send. The palette toggles follow the controller's protocol: hide
+// stops the timer and closes the window unless the palette itself is closing.
+class TestHost : public PaletteHost {
+ public:
+  TestHost() { setPaletteHost(this); }
+  ~TestHost() override { setPaletteHost(nullptr); }
+  TestHost(const TestHost&) = delete;
+  TestHost& operator=(const TestHost&) = delete;
+
+  World& world() override { return w; }
+  bool running() const override { return isRunning; }
+  bool editing() const override { return isEditing; }
+  View* currentView() override { return view; }
+  QWidget* currentViewWindow() override { return view != nullptr ? viewWindow : nullptr; }
+  void setWindowTitleAndMinSize(QWidget* window, const QString& title) override {
+    window->setWindowTitle(title);
+  }
+
+  void toggleSim(QObject* sender) override { commands.push_back({"toggleSim", sender}); }
+  void stepSim(QObject* sender) override {
+    commands.push_back({"stepSim", sender});
+    w.step();
+  }
+  void edit(QObject* sender) override { commands.push_back({"edit", sender}); }
+  void newBody(QObject* sender) override { commands.push_back({"newBody", sender}); }
+  void setWorldSpeed(float millisecondsPerUpdate) override {
+    commands.push_back({"setWorldSpeed", nullptr});
+    w.millisecondsPerUpdate = millisecondsPerUpdate;
+  }
+  void worldRenameBody(Body* body, std::string_view newName) override {
+    commands.push_back({"worldRenameBody", nullptr});
+    renamedTo = std::string(newName);
+    copyName(body->name, newName);
+  }
+
+  void showSimulationPaletteFromMenu(QObject* sender) override { toggle(sender); }
+  void showViewPaletteFromMenu(QObject* sender) override { toggle(sender); }
+  void showBodyPaletteFromMenu(QObject* sender) override { toggle(sender); }
+  void showOutputPaletteFromMenu(QObject* sender) override { toggle(sender); }
+
+  void populateMenuBar(QMenuBar* bar) override { bar->addMenu(QStringLiteral("Simulation")); }
+
+  int count(const std::string& command) const {
+    int n = 0;
+    for (const Command& c : commands)
+      n += c.name == command ? 1 : 0;
+    return n;
+  }
+
+  struct Command {
+    std::string name;
+    QObject* sender;
+  };
+  std::vector<Command> commands;
+  std::vector<QObject*> toggles;
+  std::function<void(QObject* sender)> onToggle;
+
+  World w;
+  bool isRunning = false;
+  bool isEditing = false;
+  View* view = nullptr;
+  QWidget* viewWindow = nullptr;
+  std::string renamedTo;
+
+ private:
+  void toggle(QObject* sender) {
+    toggles.push_back(sender);
+    if (onToggle)
+      onToggle(sender);
+  }
+};
+
+// Answers the dialogs from a script the test fills in.
+class ScriptedPanels : public Panels {
+ public:
+  ScriptedPanels() { setPanels(this); }
+  ~ScriptedPanels() override { setPanels(nullptr); }
+  ScriptedPanels(const ScriptedPanels&) = delete;
+  ScriptedPanels& operator=(const ScriptedPanels&) = delete;
+
+  Answer confirmSaveFirst(QWidget*) override { return Answer::Cancel; }
+  std::optional<OpenChoice> runOpenPanel(QWidget*) override { return std::nullopt; }
+  std::optional<SaveChoice> runSavePanel(QWidget*) override { return std::nullopt; }
+  std::optional<QString> runSaveFilePanel(QWidget*, const QString& title,
+                                          const QString& requiredSuffix) override {
+    saveTitles.push_back(title);
+    saveSuffixes.push_back(requiredSuffix);
+    return savePath;
+  }
+  bool printImage(QWidget*, const QImage&) override { return false; }
+  void alert(QWidget*, const QString&, const QString&) override {}
+  std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
+
+  std::optional<QString> savePath;
+  std::optional<QColor> color;
+  std::vector<QString> saveTitles;
+  std::vector<QString> saveSuffixes;
+};
+
+// gtest prints QStrings as text.
+inline void PrintTo(const QString& s, std::ostream* os) {
+  *os << '"' << s.toStdString() << '"';
+}
+
+inline QLineEdit* field(QWidget* window, const char* name) {
+  auto* f = window->findChild<QLineEdit*>(QString::fromLatin1(name));
+  EXPECT_NE(f, nullptr) << name;
+  return f;
+}
+
+inline QComboBox* popUp(QWidget* window, const char* name) {
+  auto* p = window->findChild<QComboBox*>(QString::fromLatin1(name));
+  EXPECT_NE(p, nullptr) << name;
+  return p;
+}
+
+inline std::string selectedItem(QComboBox* p) {
+  return p->currentData().toString().toStdString();
+}
+
+// Replaces the field's text by typing, as a user who selected it all would.
+inline void typeInto(QLineEdit* f, const QString& text) {
+  f->selectAll();
+  if (text.isEmpty()) {
+    QTest::keyClick(f, Qt::Key_Delete);
+  } else if (text.size() > 100 ||
+             !std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; })) {
+    // QTest types ASCII only; a long or non-ASCII text arrives as one key
+    // event carrying it, as from an input method or a paste.
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, text);
+    QApplication::sendEvent(f, &key);
+  } else {
+    QTest::keyClicks(f, text);
+  }
+}
+
+// Types the text and presses Return.
+inline void enter(QLineEdit* f, const QString& text) {
+  typeInto(f, text);
+  QTest::keyClick(f, Qt::Key_Return);
+}
+
+// Opens the pop-up's list and clicks the named item, as a user does.
+inline void chooseItem(QComboBox* p, const char* itemName) {
+  const int index = p->findData(QString::fromLatin1(itemName));
+  ASSERT_GE(index, 0) << itemName;
+  p->showPopup();
+  QAbstractItemView* list = p->view();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(list->window()));
+  const QRect rect = list->visualRect(list->model()->index(index, 0));
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rect.center());
+  QTest::qWait(1);
+}
+
+// Shows a palette's window the way the controller does and waits for it.
+inline void showPalette(QWidget* window) {
+  window->show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+}
+
+// Saves a picture of a palette in use when ORRENVALE_SCREENSHOTS names a
+// directory; tests run without it in CI.
+inline void screenshot(QWidget* window, const char* name) {
+  const QByteArray dir = qgetenv("ORRENVALE_SCREENSHOTS");
+  if (!dir.isEmpty()) {
+    window->grab().save(QString::fromLocal8Bit(dir) + QLatin1Char('/') + QLatin1String(name) +
+                        QStringLiteral(".png"));
+  }
+}

@@ -1,0 +1,376 @@
+#include <QDialog>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTimer>
+#include <cmath>
+#include <limits>
+
+#include "palette_test_support.h"
+#include "palettes/simulation_window_controller.h"
+
+namespace {
+
+// The refresh runs every 200 ms; waiting this long lets at least two ticks
+// pass even on a loaded machine.
+constexpr int kSeveralTicksMs = 700;
+
+class SimulationPalette : public testing::Test {
+ protected:
+  void SetUp() override {
+    host.onToggle = [this](QObject* sender) {
+      if (visible) {
+        palette.becomeInvisible();
+        if (sender != &palette)
+          palette.window()->close();
+        visible = false;
+      } else {
+        palette.becomeVisible();
+        palette.window()->show();
+        visible = true;
+      }
+    };
+  }
+
+  void show() {
+    host.showSimulationPaletteFromMenu(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
+  }
+
+  QLineEdit* f(const char* name) { return field(win, name); }
+
+  TestHost host;
+  ScriptedPanels dialogs;
+  SimulationWindowController palette;
+  QWidget* win = palette.window();
+  bool visible = false;
+};
+
+TEST_F(SimulationPalette, ShowingFillsEveryControlBeforeTheFirstTick) {
+  palette.becomeVisible();
+  for (QLineEdit* e : win->findChildren<QLineEdit*>())
+    EXPECT_FALSE(e->text().isEmpty()) << e->objectName().toStdString();
+  for (QComboBox* p : win->findChildren<QComboBox*>())
+    EXPECT_GE(p->currentIndex(), 0) << p->objectName().toStdString();
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Default world"));
+  EXPECT_EQ(f("g")->text(), QStringLiteral("6.67259e-11"));
+  EXPECT_EQ(f("timestep")->text(), QStringLiteral("0.01"));
+  EXPECT_EQ(f("tracehistory")->text(), QStringLiteral("20000"));
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), "collisioninelasticmerge");
+  EXPECT_EQ(selectedItem(popUp(win, "adaptive")), "adaptivefalse");
+}
+
+TEST_F(SimulationPalette, CarriesTheApplicationMenuBar) {
+  show();
+  auto* bar = win->findChild<QMenuBar*>();
+  ASSERT_NE(bar, nullptr);
+  ASSERT_EQ(bar->actions().size(), 1);
+  EXPECT_EQ(bar->actions().front()->text(), QStringLiteral("Simulation"));
+}
+
+TEST_F(SimulationPalette, FieldBeingTypedKeepsItsTextWhileOthersKeepChanging) {
+  Body* a = host.w.createBody();
+  Body* b = host.w.createBody();
+  a->position = Vector::of(-10, 0, 0);
+  b->position = Vector::of(10, 0, 0);
+  a->mass = b->mass = 1e12;
+  host.isRunning = true;
+  QTimer clock;  // the controller's update timer
+  QObject::connect(&clock, &QTimer::timeout, [this] { host.w.step(); });
+  clock.start(5);
+  show();
+
+  typeInto(f("g"), QStringLiteral("5e-11"));
+  const QString elapsedBefore = f("elapsedtime")->text();
+  host.w.timeStep = 0.02;
+  QTest::qWait(kSeveralTicksMs);
+
+  EXPECT_EQ(f("g")->text(), QStringLiteral("5e-11"));
+  EXPECT_EQ(host.w.gravitationalConstant, World::kDefaultGravitationalConstant);
+  EXPECT_NE(f("elapsedtime")->text(), elapsedBefore);
+  EXPECT_EQ(f("timestep")->text(), QStringLiteral("0.02"));
+
+  QTest::keyClick(f("g"), Qt::Key_Return);
+  EXPECT_EQ(host.w.gravitationalConstant, 5e-11);
+}
+
+// What the world holds of the palette's parameters.
+struct Params {
+  std::string name;
+  double g, e, timeStep;
+  float speed;
+  int32_t trace;
+  bool adaptive, merge;
+  bool operator==(const Params&) const = default;
+};
+
+Params paramsOf(const World& w) {
+  return {w.name,
+          w.gravitationalConstant,
+          w.restitution,
+          w.timeStep,
+          w.millisecondsPerUpdate,
+          w.traceHistoryPoints,
+          w.adaptive,
+          w.merge};
+}
+
+struct CommitCase {
+  const char* field;
+  const char* typed;
+  void (*expect)(Params&);
+};
+
+class SimulationCommit : public SimulationPalette,
+                         public testing::WithParamInterface<CommitCase> {};
+
+TEST_P(SimulationCommit, WritesOnlyThatFieldsModelValue) {
+  show();
+  typeInto(f(GetParam().field), QString::fromLatin1(GetParam().typed));
+  // The simulation changed every parameter after the palette last showed it.
+  host.w.setName("Concurrent");
+  host.w.gravitationalConstant = 1.0;
+  host.w.restitution = 0.25;
+  host.w.timeStep = 0.125;
+  host.w.millisecondsPerUpdate = 3.0f;
+  host.w.traceHistoryPoints = 9;
+  host.w.adaptive = true;
+  host.w.merge = false;
+  Params expected = paramsOf(host.w);
+  GetParam().expect(expected);
+
+  QTest::keyClick(f(GetParam().field), Qt::Key_Return);
+  EXPECT_EQ(paramsOf(host.w), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fields, SimulationCommit,
+    testing::Values(CommitCase{"name", "Seven", [](Params& p) { p.name = "Seven"; }},
+                    CommitCase{"g", "7", [](Params& p) { p.g = 7.0; }},
+                    CommitCase{"e", "0.7", [](Params& p) { p.e = 0.7; }},
+                    CommitCase{"speed", "7", [](Params& p) { p.speed = 7.0f; }},
+                    CommitCase{"timestep", "7e-3", [](Params& p) { p.timeStep = 7e-3; }},
+                    CommitCase{"tracehistory", "7", [](Params& p) { p.trace = 7; }}),
+    [](const auto& p) { return std::string(p.param.field); });
+
+TEST_F(SimulationPalette, SpeedGoesThroughTheControllersBound) {
+  show();
+  enter(f("speed"), QStringLiteral("12.5"));
+  EXPECT_EQ(host.count("setWorldSpeed"), 1);
+  EXPECT_EQ(host.w.millisecondsPerUpdate, 12.5f);
+}
+
+TEST_F(SimulationPalette, LeavingAnUntouchedFieldKeepsTheFullPrecisionValue) {
+  show();
+  win->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(win));
+  QLineEdit* g = f("g");
+  QTest::mouseClick(g, Qt::LeftButton);
+  QTest::keyClick(g, Qt::Key_Tab);
+  EXPECT_EQ(host.w.gravitationalConstant, World::kDefaultGravitationalConstant);
+
+  // Leaving a field after typing commits what was typed.
+  QTest::mouseClick(g, Qt::LeftButton);
+  typeInto(g, QStringLiteral("3"));
+  QTest::keyClick(g, Qt::Key_Tab);
+  EXPECT_EQ(host.w.gravitationalConstant, 3.0);
+}
+
+TEST_F(SimulationPalette, EscapeDropsTheTypedTextAndShowsTheModel) {
+  show();
+  typeInto(f("timestep"), QStringLiteral("99"));
+  QTest::keyClick(f("timestep"), Qt::Key_Escape);
+  EXPECT_EQ(f("timestep")->text(), QStringLiteral("0.01"));
+  EXPECT_EQ(host.w.timeStep, World::kDefaultTimeStep);
+}
+
+struct CollisionCase {
+  const char* item;
+  double restitutionBefore;
+  double restitution;
+  bool merge;
+};
+
+class CollisionModelChoice : public SimulationPalette,
+                             public testing::WithParamInterface<CollisionCase> {};
+
+TEST_P(CollisionModelChoice, SetsCoefficientAndMergeAndEnablesCoefficientUnlessMerging) {
+  host.w.restitution = GetParam().restitutionBefore;
+  show();
+  chooseItem(popUp(win, "collisiontype"), GetParam().item);
+  EXPECT_EQ(host.w.restitution, GetParam().restitution);
+  EXPECT_EQ(host.w.merge, GetParam().merge);
+  EXPECT_EQ(f("e")->isEnabled(), !GetParam().merge);
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), GetParam().item);
+}
+
+INSTANTIATE_TEST_SUITE_P(Items, CollisionModelChoice,
+                         testing::Values(CollisionCase{"collisionelastic", 0.5, 1.0, false},
+                                         CollisionCase{"collisioninelasticmerge", 0.5, 0.0, true},
+                                         CollisionCase{"collisioninelasticnomerge", 0.5, 0.0,
+                                                       false},
+                                         CollisionCase{"collisionother", 0.5, 0.5, false}),
+                         [](const auto& p) { return std::string(p.param.item); });
+
+struct ShownModelCase {
+  bool merge;
+  double restitution;
+  const char* shown;
+};
+
+class CollisionModelShown : public SimulationPalette,
+                            public testing::WithParamInterface<ShownModelCase> {};
+
+TEST_P(CollisionModelShown, FollowsMergeThenCoefficient) {
+  host.w.merge = GetParam().merge;
+  host.w.restitution = GetParam().restitution;
+  palette.becomeVisible();
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), GetParam().shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(Worlds, CollisionModelShown,
+                         testing::Values(ShownModelCase{true, 0.5, "collisioninelasticmerge"},
+                                         ShownModelCase{false, 0.5, "collisionother"},
+                                         ShownModelCase{false, 1.0, "collisionelastic"},
+                                         ShownModelCase{false, 0.0, "collisioninelasticnomerge"}));
+
+TEST_F(SimulationPalette, OtherStaysChosenWhileTheCoefficientIsExactlyOne) {
+  host.w.merge = false;
+  show();
+  ASSERT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionelastic");
+  chooseItem(popUp(win, "collisiontype"), "collisionother");
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(host.w.restitution, 1.0);
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionother");
+  chooseItem(popUp(win, "collisiontype"), "collisionelastic");
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionelastic");
+}
+
+struct ButtonCase {
+  bool editing, running;
+  bool runEnabled, stepEnabled;
+  const char* runTitle;  // null where the state does not set it
+  const char* editTitle;
+};
+
+class SimulationButtons : public SimulationPalette,
+                          public testing::WithParamInterface<ButtonCase> {};
+
+TEST_P(SimulationButtons, FollowRunningAndDesignMode) {
+  show();
+  host.isEditing = GetParam().editing;
+  host.isRunning = GetParam().running;
+  palette.setControlsState();
+  EXPECT_EQ(palette.runButton()->isEnabled(), GetParam().runEnabled);
+  EXPECT_EQ(palette.stepButton()->isEnabled(), GetParam().stepEnabled);
+  if (GetParam().runTitle != nullptr) {
+    EXPECT_EQ(palette.runButton()->text(), QString::fromLatin1(GetParam().runTitle));
+  }
+  EXPECT_EQ(palette.editButton()->text(), QString::fromLatin1(GetParam().editTitle));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    States, SimulationButtons,
+    testing::Values(ButtonCase{true, false, false, false, nullptr, "Leave design mode"},
+                    ButtonCase{false, true, true, false, "Stop simulation", "Enter design mode"},
+                    ButtonCase{false, false, true, true, "Run simulation", "Enter design mode"}));
+
+TEST_F(SimulationPalette, ButtonsSendTheirCommandsWithThemselvesAsSender) {
+  show();
+  QTest::mouseClick(palette.runButton(), Qt::LeftButton);
+  QTest::mouseClick(palette.editButton(), Qt::LeftButton);
+  QTest::mouseClick(win->findChild<QPushButton*>(QStringLiteral("createButton")), Qt::LeftButton);
+  ASSERT_EQ(host.commands.size(), 3u);
+  EXPECT_EQ(host.commands[0].name, "toggleSim");
+  EXPECT_EQ(host.commands[0].sender, palette.runButton());
+  EXPECT_EQ(host.commands[1].name, "edit");
+  EXPECT_EQ(host.commands[2].name, "newBody");
+}
+
+TEST_F(SimulationPalette, StepButtonShowsTheNewElapsedTimeAtOnce) {
+  show();
+  ASSERT_EQ(f("elapsedtime")->text(), QStringLiteral("0"));
+  QTest::mouseClick(palette.stepButton(), Qt::LeftButton);
+  EXPECT_EQ(host.count("stepSim"), 1);
+  EXPECT_EQ(f("elapsedtime")->text(), QStringLiteral("0.01"));
+}
+
+TEST_F(SimulationPalette, ClosingWithTheCloseBoxSendsTheToggleAndStopsTheRefresh) {
+  show();
+  ASSERT_TRUE(clickCloseBox(win));
+  ASSERT_EQ(host.toggles.size(), 2u);  // the show, then the close box
+  EXPECT_EQ(host.toggles[1], &palette);
+  EXPECT_FALSE(win->isVisible());
+
+  host.w.setName("Changed while hidden");
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Default world"));
+
+  host.showSimulationPaletteFromMenu(nullptr);
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Changed while hidden"));
+}
+
+TEST_F(SimulationPalette, RefreshPausesWhileADialogIsUp) {
+  show();
+  QDialog dialog;
+  dialog.setModal(true);
+  dialog.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+  host.w.setName("Changed under a dialog");
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Default world"));
+  dialog.close();
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Changed under a dialog"));
+}
+
+struct BadInput {
+  const char* text;
+  double real;
+  int32_t integer;
+};
+
+class SimulationBadInput : public SimulationPalette,
+                           public testing::WithParamInterface<BadInput> {};
+
+TEST_P(SimulationBadInput, IsReadByTheReadBackRules) {
+  show();
+  const QString text = QString::fromLatin1(GetParam().text);
+  for (const char* name : {"g", "e", "timestep"}) {
+    enter(f(name), text);
+  }
+  enter(f("tracehistory"), text);
+  enter(f("name"), text);
+  for (double value : {host.w.gravitationalConstant, host.w.restitution, host.w.timeStep}) {
+    EXPECT_EQ(value, GetParam().real);
+    EXPECT_EQ(std::signbit(value), std::signbit(GetParam().real));
+  }
+  EXPECT_EQ(host.w.traceHistoryPoints, GetParam().integer);
+  EXPECT_STREQ(host.w.name, GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, SimulationBadInput,
+                         testing::Values(BadInput{"letters", 0.0, 0}, BadInput{"", 0.0, 0},
+                                         BadInput{"1e400", std::numeric_limits<double>::infinity(),
+                                                  1},
+                                         BadInput{"-0", -0.0, 0}, BadInput{"NaN", 0.0, 0}));
+
+TEST_F(SimulationPalette, LongNameIsCutWithoutSplittingACharacter) {
+  show();
+  // 10,000 two-byte characters: only 127 whole ones fit in 254 bytes.
+  enter(f("name"), QString(10000, QChar(0x00E9)));
+  EXPECT_EQ(QString::fromUtf8(host.w.name), QString(127, QChar(0x00E9)));
+  EXPECT_EQ(f("name")->text(), QString(127, QChar(0x00E9)));
+}
+
+TEST_F(SimulationPalette, PictureInUse) {
+  host.w.createBody()->mass = 5.0;
+  host.w.restitution = 0.5;
+  host.w.merge = false;
+  show();
+  palette.stepButton()->click();
+  typeInto(f("timestep"), QStringLiteral("0.05"));
+  screenshot(win, "sim_palette");
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionother");
+}
+
+}  // namespace

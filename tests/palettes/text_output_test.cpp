@@ -1,0 +1,175 @@
+#include <QDir>
+#include <QFile>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <algorithm>
+
+#include "palette_test_support.h"
+#include "palettes/text_output_controller.h"
+
+namespace {
+
+class TextOutput : public testing::Test {
+ protected:
+  void SetUp() override {
+    host.onToggle = [this](QObject* sender) {
+      if (visible) {
+        if (sender != &palette)
+          palette.window()->close();
+        visible = false;
+      } else {
+        palette.window()->show();
+        visible = true;
+      }
+    };
+  }
+
+  // What the controller's step does: one world step, then a line if wanted.
+  void stepSim() {
+    host.w.step();
+    if (palette.wantsText())
+      palette.writeLine();
+  }
+
+  QPushButton* button(const char* name) {
+    return palette.window()->findChild<QPushButton*>(QString::fromLatin1(name));
+  }
+  QPlainTextEdit* viewtext() {
+    return palette.window()->findChild<QPlainTextEdit*>(QStringLiteral("viewtext"));
+  }
+  long lines() const { return std::count(palette.text().begin(), palette.text().end(), '\n'); }
+
+  TestHost host;
+  ScriptedPanels dialogs;
+  TextOutputController palette;
+  bool visible = false;
+};
+
+TEST_F(TextOutput, LineHoldsElapsedTimeThenTenFieldsPerBody) {
+  host.w.elapsedTime = 0.5;
+  Body* earth = host.w.createBody();
+  host.w.setName("unused");
+  copyName(earth->name, "Earth");
+  earth->position = Vector::of(1, 2, 3);
+  earth->velocity = Vector::of(0, 1, 0);
+  palette.writeLine();
+  EXPECT_EQ(palette.text(),
+            "0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t0.000000\t"
+            "0.000000\t0.000000\t0.000000\n");
+  // The first line shows at once.
+  EXPECT_EQ(viewtext()->toPlainText().toStdString(), palette.text());
+}
+
+TEST_F(TextOutput, WorldWithoutBodiesGivesOnlyTheTime) {
+  palette.writeLine();
+  EXPECT_EQ(palette.text(), "0.000000\n");
+}
+
+TEST_F(TextOutput, LogsOneLinePerStepOnlyWhileOn) {
+  host.w.createBody();
+  EXPECT_FALSE(palette.wantsText());
+  EXPECT_TRUE(button("begin")->isEnabled());
+  EXPECT_FALSE(button("end")->isEnabled());
+  for (int i = 0; i < 5; ++i)
+    stepSim();
+  EXPECT_EQ(lines(), 0);
+
+  QTest::mouseClick(button("begin"), Qt::LeftButton);
+  EXPECT_FALSE(button("begin")->isEnabled());
+  EXPECT_TRUE(button("end")->isEnabled());
+  for (int i = 0; i < 10; ++i)
+    stepSim();
+  EXPECT_EQ(lines(), 10);
+
+  QTest::mouseClick(button("end"), Qt::LeftButton);
+  for (int i = 0; i < 5; ++i)
+    stepSim();
+  EXPECT_EQ(lines(), 10);
+  // Lines that arrived together reach the text view within its show interval.
+  EXPECT_TRUE(QTest::qWaitFor(
+      [this] { return viewtext()->toPlainText().toStdString() == palette.text(); }, 2000));
+}
+
+TEST_F(TextOutput, ClearEmptiesTheLogAndLoggingGoesOn) {
+  palette.clickBegin(nullptr);
+  stepSim();
+  stepSim();
+  QTest::mouseClick(button("clear"), Qt::LeftButton);
+  EXPECT_TRUE(palette.text().empty());
+  EXPECT_TRUE(viewtext()->toPlainText().isEmpty());
+  EXPECT_TRUE(palette.wantsText());
+  stepSim();
+  EXPECT_EQ(lines(), 1);
+  EXPECT_TRUE(palette.text().starts_with("0.030000"));
+}
+
+TEST_F(TextOutput, ResetClearsAndStopsLogging) {
+  palette.clickBegin(nullptr);
+  stepSim();
+  // What every reset and datafile load does.
+  palette.clickClear(nullptr);
+  palette.clickEnd(nullptr);
+  stepSim();
+  EXPECT_TRUE(palette.text().empty());
+  EXPECT_FALSE(palette.wantsText());
+}
+
+TEST_F(TextOutput, SaveWritesTheWholeLogAsUtf8) {
+  QTemporaryDir dir;
+  ASSERT_TRUE(dir.isValid());
+  Body* body = host.w.createBody();
+  copyName(body->name, "Höhe\u00a01");  // a no-break space the text view would lose
+  palette.clickBegin(nullptr);
+  for (int i = 0; i < 3; ++i)
+    stepSim();
+  dialogs.savePath = dir.filePath(QStringLiteral("run.txt"));
+  QTest::mouseClick(button("save"), Qt::LeftButton);
+  ASSERT_EQ(dialogs.saveTitles.size(), 1u);
+  EXPECT_EQ(dialogs.saveTitles[0], QStringLiteral("Save Log"));
+  EXPECT_TRUE(dialogs.saveSuffixes[0].isEmpty());
+  QFile saved(*dialogs.savePath);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  EXPECT_EQ(saved.readAll().toStdString(), palette.text());
+}
+
+TEST_F(TextOutput, CancelledOrFailedSaveWritesNothing) {
+  QTemporaryDir dir;
+  palette.writeLine();
+  palette.clickSave(nullptr);  // cancelled: the panel returns nothing
+  dialogs.savePath = dir.filePath(QStringLiteral("missing/dir/run.txt"));
+  palette.clickSave(nullptr);
+  EXPECT_TRUE(QDir(dir.path()).isEmpty());
+  EXPECT_EQ(palette.text(), "0.000000\n");
+}
+
+TEST_F(TextOutput, CloseBoxHidesThroughTheToggleAndLoggingGoesOn) {
+  host.showOutputPaletteFromMenu(nullptr);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(palette.window()));
+  palette.clickBegin(nullptr);
+  ASSERT_TRUE(clickCloseBox(palette.window()));
+  ASSERT_EQ(host.toggles.size(), 2u);
+  EXPECT_EQ(host.toggles[1], &palette);
+  EXPECT_FALSE(visible);
+  stepSim();
+  EXPECT_EQ(lines(), 1);
+}
+
+TEST_F(TextOutput, PictureInUse) {
+  for (const char* name : {"Sun", "Earth", "Moon"}) {
+    Body* b = host.w.createBody();
+    copyName(b->name, name);
+    b->position = Vector::of(static_cast<double>(b->id - 100) * 50.0, 0, 0);
+    b->velocity = Vector::of(0, static_cast<double>(b->id - 100), 0);
+  }
+  host.showOutputPaletteFromMenu(nullptr);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(palette.window()));
+  palette.clickBegin(nullptr);
+  for (int i = 0; i < 12; ++i)
+    stepSim();
+  ASSERT_TRUE(QTest::qWaitFor(
+      [this] { return viewtext()->toPlainText().toStdString() == palette.text(); }, 2000));
+  screenshot(palette.window(), "text_palette");
+}
+
+}  // namespace
