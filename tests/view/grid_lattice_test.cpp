@@ -1,0 +1,87 @@
+#include "view/grid_lattice.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+void expectRange(const GridLattice& g, int axis, int first, int last) {
+  EXPECT_EQ(g.first[axis], first) << "axis " << axis;
+  EXPECT_EQ(g.last[axis], last) << "axis " << axis;
+}
+
+TEST(GridLattice, EmptyWorldHasThreeValuesPerAxis) {
+  const auto g = gridLattice(100.0, Vector(), Vector());
+  ASSERT_TRUE(g.has_value());
+  for (int a = 0; a < 3; ++a) {
+    expectRange(*g, a, -1, 1);
+  }
+  EXPECT_EQ(g->lo.x, -100.0);
+  EXPECT_EQ(g->hi.z, 100.0);
+  EXPECT_EQ(g->lineCount(), 27);
+}
+
+// The box (150, -100, -100) to (350, 100, 100) holds the x values 100, 200
+// and 300: trunc(150)/100 = 1 and trunc(350)/100 = 3.
+TEST(GridLattice, BodyAwayFromOriginShiftsTheBoxAndTruncatesTowardsZero) {
+  const Vector body = Vector::of(250, 0, 0);
+  const auto g = gridLattice(100.0, body, body);
+  ASSERT_TRUE(g.has_value());
+  EXPECT_EQ(g->lo.x, 150.0);
+  EXPECT_EQ(g->hi.x, 350.0);
+  expectRange(*g, 0, 1, 3);
+  expectRange(*g, 1, -1, 1);
+  expectRange(*g, 2, -1, 1);
+
+  const Vector mirrored = Vector::of(-250, 0, 0);
+  const auto m = gridLattice(100.0, mirrored, mirrored);
+  ASSERT_TRUE(m.has_value());
+  expectRange(*m, 0, -3, -1);
+}
+
+TEST(GridLattice, SpacingIsUsedByItsIntegerPart) {
+  const auto g = gridLattice(100.9, Vector(), Vector());
+  ASSERT_TRUE(g.has_value());
+  EXPECT_EQ(g->spacing, 100);
+  EXPECT_EQ(g->hi.x, 100.0);
+}
+
+struct SkipCase {
+  const char* name;
+  double spacing;
+  Vector min;
+  Vector max;
+};
+
+class GridLatticeSkip : public ::testing::TestWithParam<SkipCase> {};
+
+TEST_P(GridLatticeSkip, IsSkippedRatherThanStallingTheFrame) {
+  const SkipCase c = GetParam();
+  EXPECT_FALSE(gridLattice(c.spacing, c.min, c.max).has_value());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, GridLatticeSkip,
+    ::testing::Values(SkipCase{"HalfUnitSpacing", 0.5, Vector(), Vector()},
+                      SkipCase{"TinySpacing", 1e-9, Vector(), Vector()},
+                      SkipCase{"ZeroSpacing", 0.0, Vector(), Vector()},
+                      SkipCase{"NegativeSpacing", -100.0, Vector(), Vector()},
+                      SkipCase{"NaNSpacing", std::nan(""), Vector(), Vector()},
+                      SkipCase{"HugeSpacing", 1e300, Vector(), Vector()},
+                      SkipCase{"BodyBeyond32Bits", 100.0, Vector(), Vector::of(1e12, 0, 0)},
+                      SkipCase{"NaNPosition", 100.0, Vector(), Vector::of(0, std::nan(""), 0)},
+                      // 2003 values per axis would make 12 million lines.
+                      SkipCase{"TooManyLines", 1.0, Vector(-1000.0), Vector(1000.0)}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+TEST(GridLattice, LargestAllowedLatticeIsStillDrawn) {
+  // 100 values per axis: 3 * 100 * 100 = 30000 lines.
+  const auto g = gridLattice(1.0, Vector(-48.0), Vector(49.0));
+  ASSERT_TRUE(g.has_value());
+  EXPECT_EQ(g->lineCount(), GridLattice::kMaxLines);
+  EXPECT_FALSE(gridLattice(1.0, Vector(-49.0), Vector(49.0)).has_value());
+}
+
+}  // namespace

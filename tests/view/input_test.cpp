@@ -1,0 +1,234 @@
+#include <QCoreApplication>
+#include <QDialog>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QWheelEvent>
+#include <QtTest/QTest>
+
+#include "view_test_support.h"
+
+namespace {
+
+// Results of a few double operations on exact inputs: within 4 ulps.
+void expectCamera(const View& v, double eyeZ, double focusZ) {
+  EXPECT_DOUBLE_EQ(v.cameraPosition.z, eyeZ);
+  EXPECT_DOUBLE_EQ(v.cameraFocus.z, focusZ);
+}
+
+// A drag event with the buttons still held, as the window system sends it.
+void moveWithButtons(QWidget& w, QPoint to, Qt::MouseButtons buttons,
+                     Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+  QMouseEvent move(QEvent::MouseMove, QPointF(to), w.mapToGlobal(QPointF(to)), Qt::NoButton,
+                   buttons, modifiers);
+  QCoreApplication::sendEvent(&w, &move);
+}
+
+void wheel(QWidget& w, int angleDelta) {
+  const QPointF at(w.width() / 2.0, w.height() / 2.0);
+  QWheelEvent event(at, w.mapToGlobal(at), QPoint(), QPoint(0, angleDelta), Qt::NoButton,
+                    Qt::NoModifier, Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(&w, &event);
+}
+
+struct DragCase {
+  const char* name;
+  QPoint by;
+};
+
+class InputDrag : public ViewFixture, public ::testing::WithParamInterface<DragCase> {};
+
+// A body in front of the origin moves with the pointer when the scene turns.
+TEST_P(InputDrag, LeftDragTurnsTheSceneTheWayThePointerMoves) {
+  const DragCase c = GetParam();
+  addBody(Vector::of(0, 0, 150), 15.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(300, 300);
+  gl.view()->gridlineEnabled = false;
+  const auto before = centroid(gl.captureView(), pureRed());
+  const QPoint start(150, 150);
+  QTest::mousePress(&gl, Qt::LeftButton, Qt::NoModifier, start);
+  for (int i = 1; i <= 5; ++i) {
+    moveWithButtons(gl, start + c.by * i / 5, Qt::LeftButton);
+  }
+  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::NoModifier, start + c.by);
+  const auto after = centroid(gl.captureView(), pureRed());
+  ASSERT_TRUE(before && after);
+  const QPointF moved = *after - *before;
+  // The body sweeps along the drag: it moves at least 20 of the 60 pixels in
+  // the drag's direction and far less across it.
+  const QPointF dir = QPointF(c.by) / 60.0;
+  EXPECT_GT(QPointF::dotProduct(moved, dir), 20.0);
+  EXPECT_LT(std::abs(QPointF::dotProduct(moved, QPointF(-dir.y(), dir.x()))), 3.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Directions, InputDrag,
+                         ::testing::Values(DragCase{"Right", {60, 0}}, DragCase{"Left", {-60, 0}},
+                                           DragCase{"Up", {0, -60}}, DragCase{"Down", {0, 60}}),
+                         [](const auto& p) { return std::string(p.param.name); });
+
+using Input = ViewFixture;
+
+TEST_F(Input, RightDragMovesTheCameraOnlyWhileTheTrackballIsEnabled) {
+  OrrenvaleGL& gl = openView(300, 200);
+  gl.captureView();
+  QTest::mousePress(&gl, Qt::RightButton, Qt::NoModifier, QPoint(150, 100));
+  moveWithButtons(gl, QPoint(170, 140), Qt::RightButton);
+  QTest::mouseRelease(&gl, Qt::RightButton, Qt::NoModifier, QPoint(170, 140));
+  // 40 pixels down in a view 200 high: 1% of the distance 400 away from the
+  // scene, with the factor narrowed to single precision (relative 6e-8).
+  EXPECT_NEAR(gl.view()->cameraPosition.z, 404.0, 1e-4);
+  EXPECT_NEAR(gl.view()->cameraFocus.z, 4.0, 1e-4);
+
+  gl.view()->cameraPosition = Vector::of(0, 0, 400);
+  gl.view()->cameraFocus = Vector();
+  gl.view()->trackballEnabled = false;
+  QTest::mousePress(&gl, Qt::RightButton, Qt::NoModifier, QPoint(150, 100));
+  moveWithButtons(gl, QPoint(150, 180), Qt::RightButton);
+  QTest::mouseRelease(&gl, Qt::RightButton, Qt::NoModifier, QPoint(150, 180));
+  expectCamera(*gl.view(), 400, 0);
+}
+
+// A Ctrl-click is a right-button press: it neither selects nor turns the
+// scene, and the drag that follows moves the camera.
+TEST_F(Input, CtrlLeftButtonActsAsTheRightButton) {
+  const Body* body = addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(300, 200);
+  gl.view()->selectedBodyID = body->id;
+  gl.captureView();
+  QTest::mousePress(&gl, Qt::LeftButton, Qt::ControlModifier, QPoint(10, 100));
+  moveWithButtons(gl, QPoint(60, 140), Qt::LeftButton, Qt::ControlModifier);
+  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::ControlModifier, QPoint(60, 140));
+  EXPECT_EQ(gl.view()->selectedBodyID, body->id);
+  EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
+  EXPECT_NEAR(gl.view()->cameraPosition.z, 404.0, 1e-4);
+}
+
+TEST_F(Input, ClicksSelectButDragsDoNothingWithTheTrackballDisabled) {
+  const Body* body = addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(300, 200);
+  gl.view()->trackballEnabled = false;
+  gl.captureView();
+  QTest::mousePress(&gl, Qt::LeftButton, Qt::NoModifier, QPoint(150, 100));
+  moveWithButtons(gl, QPoint(250, 150), Qt::LeftButton);
+  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::NoModifier, QPoint(250, 150));
+  EXPECT_EQ(gl.view()->selectedBodyID, body->id);
+  EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
+}
+
+struct WheelCase {
+  int angleDelta;  // 120 per notch
+  double eyeZ;
+};
+
+class InputWheel : public ViewFixture, public ::testing::WithParamInterface<WheelCase> {};
+
+TEST_P(InputWheel, WheelZoomsByWholeNotchesOnly) {
+  OrrenvaleGL& gl = openView(300, 200);
+  wheel(gl, GetParam().angleDelta);
+  expectCamera(*gl.view(), GetParam().eyeZ, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Deltas, InputWheel,
+                         ::testing::Values(WheelCase{120, 360}, WheelCase{-120, 440},
+                                           WheelCase{60, 400}, WheelCase{-119, 400},
+                                           WheelCase{480, 360}));
+
+using Commands = ViewFixture;
+
+TEST_F(Commands, SelectNextAndPreviousSkipDeletedIdentifiersAndWrap) {
+  OrrenvaleGL& gl = openView(200, 200);
+  View& v = *gl.view();
+  gl.keySelectNext();
+  EXPECT_EQ(v.selectedBodyID, 0);
+  for (int i = 0; i < 4; ++i) {
+    world().createBody();
+  }
+  world().deleteBodyById(102);
+  ASSERT_EQ(world().nextBodyId, 104);
+
+  gl.keySelectNext();
+  EXPECT_EQ(v.selectedBodyID, 100);
+  v.selectedBodyID = 0;
+  gl.keySelectPrev();
+  EXPECT_EQ(v.selectedBodyID, 103);
+
+  v.selectedBodyID = 101;
+  gl.keySelectNext();
+  EXPECT_EQ(v.selectedBodyID, 103);
+  gl.keySelectNext();
+  EXPECT_EQ(v.selectedBodyID, 100);
+  gl.keySelectPrev();
+  EXPECT_EQ(v.selectedBodyID, 103);
+  gl.keySelectPrev();
+  EXPECT_EQ(v.selectedBodyID, 101);
+}
+
+TEST_F(Commands, DeleteRemovesTheSelectedBodyAndKeepsItsIdentifier) {
+  OrrenvaleGL& gl = openView(200, 200);
+  world().createBody();
+  const int id = world().createBody()->id;
+  gl.view()->selectedBodyID = id;
+  gl.keyDelete();
+  EXPECT_EQ(world().findBodyById(id), nullptr);
+  EXPECT_EQ(world().bodies->count(), 1);
+  EXPECT_EQ(gl.view()->selectedBodyID, id);
+  gl.keyDelete();
+  EXPECT_EQ(world().bodies->count(), 1);
+}
+
+TEST_F(Commands, PanAndZoomCommandsMoveTheCamera) {
+  OrrenvaleGL& gl = openView(200, 200);
+  View& v = *gl.view();
+  host.panType_ = kPanTypeXZ;
+  gl.keyPanUp();
+  EXPECT_DOUBLE_EQ(v.cameraFocus.z, 400.0 / 30.0);
+  gl.keyPanDown();
+  gl.keyPanRight();
+  gl.keyPanLeft();
+  EXPECT_NEAR(v.cameraFocus.length(), 0.0, 1e-12);  // four roundings of 400/30
+  gl.keyZoomIn();
+  EXPECT_NEAR(v.cameraPosition.z, 360.0, 1e-12);
+  gl.keyZoomOut();
+  EXPECT_NEAR(v.cameraPosition.z, 396.0, 1e-12);
+}
+
+TEST_F(Commands, ViewsAreNamedFromTheWorldsViewCounter) {
+  EXPECT_STREQ(openView(100, 100).view()->name, "View 0");
+  EXPECT_STREQ(openView(100, 100).view()->name, "View 1");
+  views.pop_back();
+  EXPECT_STREQ(openView(100, 100).view()->name, "View 2");
+  world().reset();
+  EXPECT_STREQ(openView(100, 100).view()->name, "View 0");
+}
+
+using Redraw = ViewFixture;
+
+// 24 frames a second; half a second gives about 12. The window stands apart
+// from the windows of other tests on the same display, whose comings and
+// goings would cause repaints of their own.
+TEST_F(Redraw, TimerDrawsContinuouslyAndPausesWhileADialogIsModal) {
+  OrrenvaleGL& gl = openView(200, 200);
+  gl.move(900, 700);
+  QTest::qWait(200);
+  EXPECT_NEAR(OrrenvaleGL::kRedrawInterval, 0.0416666679084301, 1e-16);
+  QSignalSpy frames(&gl, &QOpenGLWidget::frameSwapped);
+  QTest::qWait(500);
+  EXPECT_GE(frames.count(), 6);
+
+  QDialog dialog;
+  dialog.setModal(true);
+  dialog.setGeometry(600, 100, 100, 100);
+  dialog.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+  ASSERT_NE(QApplication::activeModalWidget(), nullptr);
+  // Repaints that the dialog's appearance itself causes settle first.
+  QTest::qWait(200);
+  frames.clear();
+  QTest::qWait(500);
+  EXPECT_EQ(frames.count(), 0);
+
+  dialog.close();
+  QTest::qWait(500);
+  EXPECT_GE(frames.count(), 6);
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "engine/world.h"
+#include "view/orrenvale_gl.h"
+#include "view/view_host.h"
+
+// The application's side of the views, as small as the tests need it.
+class TestHost : public ViewHost {
+ public:
+  World& world() override { return world_; }
+  int panType() const override { return panType_; }
+  bool running() const override { return false; }
+
+  World world_;
+  int panType_ = kPanTypeXY;
+};
+
+// Installs a host with a fresh world and opens real view windows on it.
+class ViewFixture : public ::testing::Test {
+ protected:
+  void SetUp() override { setViewHost(&host); }
+  void TearDown() override {
+    views.clear();
+    setViewHost(nullptr);
+  }
+
+  // A top-level view of w x h pixels, on screen.
+  OrrenvaleGL& openView(int w, int h);
+  Body* addBody(const Vector& position, double radius, float r, float g, float b);
+  World& world() { return host.world_; }
+
+  TestHost host;
+  std::vector<std::unique_ptr<OrrenvaleGL>> views;
+};
+
+// Pixel classification on captured images.
+using PixelTest = std::function<bool(QRgb)>;
+// Pixels that are pure in one colour channel: lit spheres of colour (1,0,0),
+// (0,1,0) or (0,0,1), which the grey grid and the marker never are.
+PixelTest pureRed();
+PixelTest pureGreen();
+PixelTest pureBlue();
+bool isBlack(QRgb p);
+int countPixels(const QImage& image, const PixelTest& test);
+// Centre of the pixels that pass the test, or nothing when none does.
+std::optional<QPointF> centroid(const QImage& image, const PixelTest& test);
+// Channels within `tolerance` of the expected 8-bit values.
+bool near(QRgb p, int r, int g, int b, int tolerance);

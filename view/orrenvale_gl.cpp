@@ -1,0 +1,253 @@
+#include "orrenvale_gl.h"
+
+#include <GL/glu.h>
+
+#include <QApplication>
+#include <QOpenGLContext>
+#include <QTimer>
+#include <chrono>
+#include <cmath>
+
+#include "camera.h"
+#include "engine/world.h"
+#include "view_host.h"
+
+namespace {
+
+// Half of the 45-degree field of view of the narrower side, in radians.
+constexpr double kHalfFieldOfView = 22.5 * 3.14159265 / 180.0;
+constexpr double kNearPlane = 1.0;
+constexpr double kFarPlane = 1e10;
+
+// Qt timers count whole milliseconds: 41 ms is the longest interval that
+// still draws at least 24 frames a second.
+constexpr std::chrono::milliseconds kRedrawTimerInterval{
+    static_cast<int>(OrrenvaleGL::kRedrawInterval * 1000.0)};
+
+}  // namespace
+
+OrrenvaleGL::OrrenvaleGL(QWidget* parent) : QOpenGLWidget(parent) {
+  ViewHost* host = viewHost();
+  const int number = host != nullptr ? host->world().takeViewNumber() : World::kFirstViewNumber;
+  v_ = std::make_unique<View>(number - World::kFirstViewNumber);
+  // Key commands reach the view once its window is active.
+  setFocusPolicy(Qt::StrongFocus);
+  redrawTimer_ = new QTimer(this);
+  redrawTimer_->setTimerType(Qt::PreciseTimer);
+  redrawTimer_->setInterval(kRedrawTimerInterval);
+  connect(redrawTimer_, &QTimer::timeout, this, &OrrenvaleGL::redrawWindow);
+  redrawTimer_->start();
+}
+
+OrrenvaleGL::~OrrenvaleGL() {
+  redrawTimer_->stop();
+  // The base class destroys the context after this object is gone; the
+  // context must not call back into it then.
+  if (context() != nullptr) {
+    disconnect(context(), nullptr, this, nullptr);
+  }
+  releaseOpenGL();
+}
+
+void OrrenvaleGL::initializeGL() {
+  // A widget gets a new context when it moves to another window; the old
+  // context's quadric and display list go with it.
+  connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &OrrenvaleGL::releaseOpenGL);
+}
+
+void OrrenvaleGL::paintGL() {
+  drawRect();
+}
+
+void OrrenvaleGL::resizeGL(int /*w*/, int /*h*/) {}
+
+void OrrenvaleGL::redrawWindow() {
+  // Like the other timers of the program, the redraw pauses while a modal
+  // dialog or a menu is open.
+  if (QApplication::activeModalWidget() != nullptr ||
+      QApplication::activePopupWidget() != nullptr) {
+    return;
+  }
+  // Qt draws the frame at its next pass through the event loop, within the
+  // same interval, and merges it with repaints the window system asks for.
+  update();
+}
+
+void OrrenvaleGL::prepareOpenGL() {
+  glEnable(GL_DEPTH_TEST);
+  glEnable(GL_COLOR_MATERIAL);
+  glEnable(GL_POLYGON_SMOOTH);
+  glEnable(GL_LIGHTING);
+  glEnable(GL_LIGHT0);
+  // Every sphere is the unit sphere scaled by its radius, which scales its
+  // normals too; renormalising keeps the shading the same at every radius.
+  glEnable(GL_NORMALIZE);
+  glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
+  glHint(GL_LINE_SMOOTH_HINT, GL_NICEST);
+  glHint(GL_POINT_SMOOTH_HINT, GL_NICEST);
+  glHint(GL_POLYGON_SMOOTH_HINT, GL_NICEST);
+  pObj = gluNewQuadric();
+  sphereList = glGenLists(1);
+  glNewList(sphereList, GL_COMPILE);
+  gluSphere(pObj, 1.0, 24, 24);
+  glEndList();
+  glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+}
+
+void OrrenvaleGL::releaseOpenGL() {
+  if (!fGLInit) {
+    return;
+  }
+  makeCurrent();
+  glDeleteLists(sphereList, 1);
+  gluDeleteQuadric(pObj);
+  pObj = nullptr;
+  sphereList = 0;
+  fGLInit = false;
+  doneCurrent();
+}
+
+void OrrenvaleGL::drawRect() {
+  const bool fresh = !fGLInit;
+  if (fresh) {
+    prepareOpenGL();
+    fGLInit = true;
+  }
+  resizeGL();
+  if (fresh) {
+    // A new context holds no projection yet, even when the size already
+    // equals the trackball's (as for a view restored with its window size).
+    updateProjection();
+  }
+  updateModelView();
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  render();
+}
+
+void OrrenvaleGL::resizeGL() {
+  const qreal ratio = devicePixelRatio();
+  const auto w = static_cast<float>(width() * ratio);
+  const auto h = static_cast<float>(height() * ratio);
+  Trackball& tb = *v_->trackball;
+  if (static_cast<double>(h) == tb.height && static_cast<double>(w) == tb.width) {
+    return;
+  }
+  tb.setSize(w, h);
+  glViewport(0, 0, static_cast<GLsizei>(w), static_cast<GLsizei>(h));
+  updateProjection();
+}
+
+void OrrenvaleGL::updateProjection() {
+  // Before the first frame there is no context; that frame loads the
+  // projection itself.
+  if (context() == nullptr) {
+    return;
+  }
+  makeCurrent();
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  multiplyFrustum();
+  glMatrixMode(GL_MODELVIEW);
+}
+
+void OrrenvaleGL::multiplyFrustum() const {
+  const Trackball& tb = *v_->trackball;
+  const double t = std::tan(kHalfFieldOfView);
+  const float aspect = static_cast<float>(tb.width) / static_cast<float>(tb.height);
+  // A view without area (size not known yet) gets no frustum.
+  if (!(aspect > 0.0f) || !std::isfinite(aspect)) {
+    return;
+  }
+  if (aspect >= 1.0f) {
+    glFrustum(-aspect * t, aspect * t, -t, t, kNearPlane, kFarPlane);
+  } else {
+    glFrustum(-t, t, -t / aspect, t / aspect, kNearPlane, kFarPlane);
+  }
+}
+
+void OrrenvaleGL::updateModelView() {
+  if (context() == nullptr) {
+    return;
+  }
+  makeCurrent();
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  View& v = *v_;
+  if (ViewHost* host = viewHost()) {
+    trackView(v, host->world());
+  }
+  gluLookAt(v.cameraPosition.x, v.cameraPosition.y, v.cameraPosition.z, v.cameraFocus.x,
+            v.cameraFocus.y, v.cameraFocus.z, 0.0, 1.0, 0.0);
+  if (v.trackballEnabled) {
+    glMultMatrixd(v.trackball->glMatrix().data());
+  }
+}
+
+void OrrenvaleGL::keyPanUp() {
+  pan(+1, true);
+}
+void OrrenvaleGL::keyPanDown() {
+  pan(-1, true);
+}
+void OrrenvaleGL::keyPanLeft() {
+  pan(-1, false);
+}
+void OrrenvaleGL::keyPanRight() {
+  pan(+1, false);
+}
+
+void OrrenvaleGL::pan(int direction, bool vertical) {
+  ViewHost* host = viewHost();
+  if (host == nullptr) {
+    return;
+  }
+  // The next frame of the redraw timer shows the result.
+  panView(*v_, host->panType(), vertical, direction);
+}
+
+void OrrenvaleGL::keyZoomIn() {
+  zoomCamera(2.0);
+}
+void OrrenvaleGL::keyZoomOut() {
+  zoomCamera(-2.0);
+}
+
+void OrrenvaleGL::zoomCamera(double z) {
+  if (z == 0.0) {
+    return;
+  }
+  zoomView(*v_, z);
+  updateProjection();
+  update();
+}
+
+QImage OrrenvaleGL::captureView() {
+  const qreal ratio = devicePixelRatio();
+  const int w = static_cast<int>(width() * ratio);
+  const int h = static_cast<int>(height() * ratio);
+  // Four bytes a pixel, red, green, blue and an unused byte: the layout
+  // OpenGL reads back, so every row is 4 * w bytes.
+  QImage image(w, h, QImage::Format_RGBX8888);
+  if (context() == nullptr || image.isNull()) {
+    image.fill(Qt::black);
+    return image;
+  }
+  makeCurrent();
+  drawRect();
+  // The frame is read from the view's own framebuffer right after drawing,
+  // before Qt presents it, so it is the frame just drawn.
+  glPixelStorei(GL_PACK_ALIGNMENT, 4);
+  glReadPixels(0, 0, w, h, GL_RGBA, GL_UNSIGNED_BYTE, image.bits());
+  doneCurrent();
+  // The alpha channel holds what was drawn with alpha (the background and the
+  // axis marker with 0); the image has none, so the byte is set opaque.
+  uchar* bytes = image.bits();
+  for (qsizetype i = 3; i < image.sizeInBytes(); i += 4) {
+    bytes[i] = 0xff;
+  }
+  // OpenGL returns the bottom row first. The rows are turned over here, once,
+  // so that every use (file export, printing) gets the view as it is shown.
+  image = std::move(image).mirrored();
+  image.setDevicePixelRatio(ratio);
+  return image;
+}

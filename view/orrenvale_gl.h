@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QImage>
+#include <QOpenGLWidget>
+#include <memory>
+
+#include "view.h"
+
+class QMouseEvent;
+class QTimer;
+class QWheelEvent;
+struct GLUquadric;
+class World;
+
+// The OpenGL view of one view window: it owns the window's View record,
+// draws the world from it 24 times a second, moves its camera, picks bodies
+// under the pointer and captures itself as an image. Positions handed to the
+// camera, the trackball and OpenGL are in device pixels.
+class OrrenvaleGL : public QOpenGLWidget {
+  Q_OBJECT
+
+ public:
+  // 1/24 s formed in single precision, in seconds.
+  static constexpr double kRedrawInterval = static_cast<double>(1.0f / 24.0f);
+
+  // Takes a view number from the host's world and names the view after it.
+  explicit OrrenvaleGL(QWidget* parent = nullptr);
+  ~OrrenvaleGL() override;
+
+  View* view() const { return v_.get(); }
+  QTimer* redrawTimer() const { return redrawTimer_; }
+
+  // Frame cycle: prepares OpenGL once, adapts to the size, loads the camera,
+  // clears and renders. Runs with this view's context current.
+  void drawRect();
+  // Draws the scene into the current buffer; also used by picking.
+  void render();
+
+  // Camera.
+  void resizeGL();
+  void updateProjection();
+  void updateModelView();
+  void keyPanUp();
+  void keyPanDown();
+  void keyPanLeft();
+  void keyPanRight();
+  void keyZoomIn();
+  void keyZoomOut();
+  // Only the sign of z counts for a free camera; a tracking camera scales its
+  // distance by 1 - z/20.
+  void zoomCamera(double z);
+
+  // Selection.
+  void keySelectNext();
+  void keySelectPrev();
+  void keyDelete();
+  // Identifier of the body under the pixel position (x, yTop), device pixels
+  // with y from the top, or 0.
+  int pick(double x, double yTop);
+
+  // A fresh frame as an upright image of exactly the view's size, without
+  // alpha. A view that has never been shown gives a black image.
+  QImage captureView();
+
+ protected:
+  void initializeGL() override;
+  void paintGL() override;
+  // The size is adapted at the start of every frame instead.
+  void resizeGL(int w, int h) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  void redrawWindow();
+  void prepareOpenGL();
+  void releaseOpenGL();
+  void multiplyFrustum() const;
+  void pan(int direction, bool vertical);
+  void drawGridLattice(const World& world) const;
+  void drawAxisMarker() const;
+  void drawBodies(const World& world, bool selecting) const;
+
+  // Pointer handlers, fed from Qt's events; Ctrl + left button acts as the
+  // right button.
+  void mouseDown(const QMouseEvent& event);
+  void mouseDragged(const QMouseEvent& event);
+  void mouseUp(const QMouseEvent& event);
+  void rightMouseDown(const QMouseEvent& event);
+  void rightMouseDragged(const QMouseEvent& event);
+  void rightMouseUp(const QMouseEvent& event);
+  // Event position in device pixels, y from the top narrowed to single
+  // precision.
+  QPointF pointerPosition(const QMouseEvent& event) const;
+
+  GLUquadric* pObj = nullptr;
+  unsigned int sphereList = 0;
+  bool fGLInit = false;
+  QTimer* redrawTimer_ = nullptr;
+  std::unique_ptr<View> v_;
+};
