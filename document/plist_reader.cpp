@@ -321,7 +321,10 @@ class Reader {
   QString message() const {
     const QString where =
         QStringLiteral("line %1, column %2").arg(xml_.lineNumber()).arg(xml_.columnNumber());
-    if (xml_.error() == QXmlStreamReader::CustomError) {
+    // An element where text belongs is well-formed XML but not a property
+    // list, as are the reader's own complaints.
+    if (xml_.error() == QXmlStreamReader::CustomError ||
+        xml_.error() == QXmlStreamReader::UnexpectedElementError) {
       const QString kind = notPlist_ ? QStringLiteral("not a property list")
                                      : QStringLiteral("not a valid property list");
       return QStringLiteral("%1: %2 (%3)").arg(kind, xml_.errorString(), where);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAnyStringView>
 #include <QByteArray>
 #include <QHash>
 #include <QString>
@@ -85,7 +86,7 @@ struct PlistEntry {
 class PlistDict {
  public:
   void insert(const QString& key, PlistValue value);
-  const PlistValue* find(QStringView key) const;
+  const PlistValue* find(QAnyStringView key) const;
   const std::vector<PlistEntry>& entries() const { return entries_; }
   std::size_t size() const { return entries_.size(); }
   bool empty() const { return entries_.empty(); }
@@ -93,7 +94,7 @@ class PlistDict {
   bool operator==(const PlistDict& other) const { return entries_ == other.entries_; }
 
  private:
-  std::optional<std::size_t> indexOf(QStringView key) const;
+  std::optional<std::size_t> indexOf(QAnyStringView key) const;
 
   std::vector<PlistEntry> entries_;
   // Built only for large dictionaries (a "Bodies" section), where a linear
