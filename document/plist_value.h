@@ -78,6 +78,10 @@ class PlistValue {
 struct PlistEntry {
   QString key;
   PlistValue value;
+
+  bool operator==(const PlistEntry& other) const {
+    return key == other.key && value == other.value;
+  }
 };
 
 // A dictionary that keeps its entries in insertion order, which is the order
@@ -101,10 +105,6 @@ class PlistDict {
   // search per insertion would make reading quadratic in the number of bodies.
   QHash<QString, std::size_t> index_;
 };
-
-inline bool operator==(const PlistEntry& a, const PlistEntry& b) {
-  return a.key == b.key && a.value == b.value;
-}
 
 // The integer of the leading decimal digits of a text, after optional blanks
 // and a sign ("  +12abc" gives 12); nothing when there are no digits.

@@ -78,10 +78,12 @@ TEST_F(Batch, LogFileGetsOneLinePerStepAndExactRealsOnRequest) {
 }
 
 TEST_F(Batch, SaveWritesTheSteppedWorldAndCarriesTheViews) {
-  const BatchRun run = runBatch({QStringLiteral("--steps"), QStringLiteral("2"),
-                            QStringLiteral("--save"), path("out.ovd"), write("one.ovd", kOneBody)});
+  const BatchRun run =
+      runBatch({QStringLiteral("--steps"), QStringLiteral("2"), QStringLiteral("--save"),
+                path("out.ovd"), write("one.ovd", kOneBody)});
   ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-  const BatchRun again = runBatch({QStringLiteral("-n0"), QStringLiteral("--summary"), path("out.ovd")});
+  const BatchRun again =
+      runBatch({QStringLiteral("-n0"), QStringLiteral("--summary"), path("out.ovd")});
   ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
   EXPECT_TRUE(again.out.contains(QStringLiteral("centerOfMass\t1\t2.5\t3\n")))
       << again.out.toStdString();
@@ -93,8 +95,8 @@ TEST_F(Batch, SaveWritesTheSteppedWorldAndCarriesTheViews) {
 }
 
 TEST_F(Batch, SummaryListsTheStateInTabSeparatedLines) {
-  const BatchRun run = runBatch({QStringLiteral("--summary"), QStringLiteral("-n"), QStringLiteral("4"),
-                            write("one.ovd", kOneBody)});
+  const BatchRun run = runBatch({QStringLiteral("--summary"), QStringLiteral("-n"),
+                                 QStringLiteral("4"), write("one.ovd", kOneBody)});
   ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
   EXPECT_EQ(run.out.toStdString(),
             "steps\t4\nelapsedTime\t2\nbodies\t1\nenergy\t0.5\nmomentum\t0\t1\t0\n"
@@ -103,7 +105,7 @@ TEST_F(Batch, SummaryListsTheStateInTabSeparatedLines) {
 
 TEST_F(Batch, ProgressIsReportedOnStandardError) {
   const BatchRun run = runBatch({QStringLiteral("--progress"), QStringLiteral("-n"),
-                            QStringLiteral("50"), write("one.ovd", kOneBody)});
+                                 QStringLiteral("50"), write("one.ovd", kOneBody)});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_TRUE(run.err.contains(QStringLiteral("50/50 steps"))) << run.err.toStdString();
   EXPECT_TRUE(run.out.isEmpty());
