@@ -7,9 +7,13 @@ namespace {
 BodyObserver* gObserver = nullptr;
 }
 
-void setBodyObserver(BodyObserver* observer) { gObserver = observer; }
+void setBodyObserver(BodyObserver* observer) {
+  gObserver = observer;
+}
 
-BodyObserver* bodyObserver() { return gObserver; }
+BodyObserver* bodyObserver() {
+  return gObserver;
+}
 
 Body::Body(int creationNumber) {
   std::snprintf(name, sizeof name, "Body %i", creationNumber);

@@ -1,6 +1,8 @@
 #include "linked_list.h"
 
-LinkedList::~LinkedList() { clear(); }
+LinkedList::~LinkedList() {
+  clear();
+}
 
 void LinkedList::append(ListNode* node) {
   if (head_ == nullptr) {

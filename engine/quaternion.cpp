@@ -9,7 +9,9 @@ void Quaternion::set(double nw, double x, double y, double z) {
   v.z = z;
 }
 
-double Quaternion::norm() const { return std::sqrt(w * w + v.x * v.x + v.y * v.y + v.z * v.z); }
+double Quaternion::norm() const {
+  return std::sqrt(w * w + v.x * v.x + v.y * v.y + v.z * v.z);
+}
 
 Quaternion Quaternion::normalize() {
   const double n = norm();
@@ -56,7 +58,9 @@ Vector Quaternion::rotate(const Vector& p) const {
   return (*this * Quaternion(0.0, p) * conjugate()).v;
 }
 
-Quaternion Quaternion::rotate(const Quaternion& p) const { return *this * p * conjugate(); }
+Quaternion Quaternion::rotate(const Quaternion& p) const {
+  return *this * p * conjugate();
+}
 
 Vector Quaternion::toRollPitchYaw() const {
   const double x = v.x;
@@ -86,19 +90,35 @@ std::array<double, 16> Quaternion::toGLMatrix() const {
   const double wx = w * xs, wy = w * ys, wz = w * zs;
   const double xx = v.x * xs, xy = v.x * ys, xz = v.x * zs;
   const double yy = v.y * ys, yz = v.y * zs, zz = v.z * zs;
-  return {1.0 - (yy + zz), xy - wz,         xz + wy,         0.0,  //
-          xy + wz,         1.0 - (xx + zz), yz - wx,         0.0,  //
-          xz - wy,         yz + wx,         1.0 - (xx + yy), 0.0,  //
-          0.0,             0.0,             0.0,             1.0};
+  return {1.0 - (yy + zz),
+          xy - wz,
+          xz + wy,
+          0.0,  //
+          xy + wz,
+          1.0 - (xx + zz),
+          yz - wx,
+          0.0,  //
+          xz - wy,
+          yz + wx,
+          1.0 - (xx + yy),
+          0.0,  //
+          0.0,
+          0.0,
+          0.0,
+          1.0};
 }
 
 Quaternion operator*(const Quaternion& a, const Quaternion& b) {
   return Quaternion(a.w * b.w - dot(a.v, b.v), a.w * b.v + b.w * a.v + cross(a.v, b.v));
 }
 
-Quaternion operator*(const Quaternion& q, double s) { return Quaternion(q.w * s, q.v * s); }
+Quaternion operator*(const Quaternion& q, double s) {
+  return Quaternion(q.w * s, q.v * s);
+}
 
-Quaternion operator*(double s, const Quaternion& q) { return Quaternion(s * q.w, s * q.v); }
+Quaternion operator*(double s, const Quaternion& q) {
+  return Quaternion(s * q.w, s * q.v);
+}
 
 Quaternion operator/(const Quaternion& q, double s) {
   Quaternion r = q;
@@ -113,6 +133,10 @@ Quaternion operator-(const Quaternion& a, const Quaternion& b) {
   return Quaternion(a.w - b.w, a.v - b.v);
 }
 
-Quaternion operator*(const Quaternion& q, const Vector& v) { return q * Quaternion(0.0, v); }
+Quaternion operator*(const Quaternion& q, const Vector& v) {
+  return q * Quaternion(0.0, v);
+}
 
-Quaternion operator*(const Vector& v, const Quaternion& q) { return Quaternion(0.0, v) * q; }
+Quaternion operator*(const Vector& v, const Quaternion& q) {
+  return Quaternion(0.0, v) * q;
+}

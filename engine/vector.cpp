@@ -13,6 +13,10 @@ Vector Vector::fromSpherical(double r, double phi, double theta) {
             r * std::cos(theta));
 }
 
-double degToRad(double d) { return d / kDegreesPerRadian; }
+double degToRad(double d) {
+  return d / kDegreesPerRadian;
+}
 
-double radToDeg(double r) { return kDegreesPerRadian * r; }
+double radToDeg(double r) {
+  return kDegreesPerRadian * r;
+}

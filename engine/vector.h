@@ -75,7 +75,9 @@ class Vector : public ListStorable {
   double z = 0.0;
 };
 
-inline double dot(const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+inline double dot(const Vector& a, const Vector& b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
 
 inline Vector cross(const Vector& a, const Vector& b) {
   return Vector::of(a.y * b.z - b.y * a.z, a.z * b.x - b.z * a.x, a.x * b.y - b.x * a.y);
@@ -99,9 +101,13 @@ inline Vector operator-(const Vector& a, const Vector& b) {
   return Vector::of(a.x - b.x, a.y - b.y, a.z - b.z);
 }
 
-inline Vector operator*(double s, const Vector& v) { return Vector::of(s * v.x, s * v.y, s * v.z); }
+inline Vector operator*(double s, const Vector& v) {
+  return Vector::of(s * v.x, s * v.y, s * v.z);
+}
 
-inline Vector operator*(const Vector& v, double s) { return Vector::of(v.x * s, v.y * s, v.z * s); }
+inline Vector operator*(const Vector& v, double s) {
+  return Vector::of(v.x * s, v.y * s, v.z * s);
+}
 
 // v / s when |s| > 1e-12, otherwise the zero vector. Unlike operator/=, which
 // leaves its operand as it was: the engine depends on the difference.

@@ -4,7 +4,9 @@
 
 #include "position_point.h"
 
-World::World() { reset(); }
+World::World() {
+  reset();
+}
 
 World::~World() {
   delete bodies;
@@ -92,9 +94,12 @@ Vector corner(const LinkedList& bodies, Better better) {
   }
   Vector c = static_cast<Body*>(bodies.head()->item())->position;
   forEachItem<Body>(bodies, [&](const Body& b) {
-    if (better(b.position.x, c.x)) c.x = b.position.x;
-    if (better(b.position.y, c.y)) c.y = b.position.y;
-    if (better(b.position.z, c.z)) c.z = b.position.z;
+    if (better(b.position.x, c.x))
+      c.x = b.position.x;
+    if (better(b.position.y, c.y))
+      c.y = b.position.y;
+    if (better(b.position.z, c.z))
+      c.z = b.position.z;
   });
   return c;
 }

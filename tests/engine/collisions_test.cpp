@@ -1,1 +1,187 @@
 #include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "test_support.h"
+
+namespace {
+
+// Collision tests switch gravity off unless they need it, so positions and
+// velocities are exact.
+World& noGravity(World& world) {
+  world.gravitationalConstant = 0;
+  return world;
+}
+
+TEST(Collisions, TouchingIsDistanceAtMostTheSumOfRadii) {
+  World world;
+  addBody(world, vec(0, 0, 0));
+  addBody(world, vec(2, 0, 0));
+  EXPECT_TRUE(world.collide());
+  EXPECT_EQ(world.bodies->count(), 1);
+
+  world.reset();
+  addBody(world, vec(0, 0, 0));
+  addBody(world, vec(2.0000001, 0, 0));
+  EXPECT_FALSE(world.collide());
+  EXPECT_EQ(world.bodies->count(), 2);
+}
+
+TEST(Collisions, MergeOfTheExamplePair) {
+  RecordingObserver observer;
+  World world;
+  Body* a = addBody(world, vec(-1, 0, 0), vec(0, 1, 0));
+  Body* b = addBody(world, vec(1, 0, 0), vec(0, -1, 0));
+  a->color[0] = 1, a->color[1] = 0, a->color[2] = 0;
+  b->color[0] = 0, b->color[1] = 0, b->color[2] = 1;
+  observer.events.clear();
+
+  EXPECT_TRUE(world.collide());
+  ASSERT_EQ(world.bodies->count(), 1);
+  Body* survivor = bodiesOf(world)[0];
+  EXPECT_EQ(survivor->id, 100);
+  EXPECT_STREQ(survivor->name, "Body 0");
+  EXPECT_TRUE(survivor->position.isZero());
+  EXPECT_TRUE(survivor->velocity.isZero());
+  EXPECT_EQ(survivor->mass, 2);
+  EXPECT_DOUBLE_EQ(survivor->radius, std::cbrt(2.0));
+  EXPECT_FLOAT_EQ(survivor->color[0], 0.5f);
+  EXPECT_EQ(survivor->color[1], 0.0f);
+  EXPECT_FLOAT_EQ(survivor->color[2], 0.5f);
+  ASSERT_EQ(observer.events.size(), 1u);
+  EXPECT_FALSE(observer.events[0].created);
+  EXPECT_EQ(observer.events[0].name, "Body 1");
+}
+
+TEST(Collisions, MergeConservesMassMomentumAndVolumeAndMixesColourByVolume) {
+  World world;
+  Body* a = addBody(world, vec(0.3, -0.2, 0.1), vec(1.5, -2, 0.25), 3.0, 0.7);
+  Body* b = addBody(world, vec(0.9, 0.4, -0.3), vec(-4, 0.5, 3), 0.45, 0.6);
+  a->color[0] = 0.9f, a->color[1] = 0.2f, a->color[2] = 0.1f;
+  b->color[0] = 0.1f, b->color[1] = 0.8f, b->color[2] = 0.3f;
+  const double mass = a->mass + b->mass;
+  const Vector momentum = world.momentum();
+  const double volume = std::pow(a->radius, 3) + std::pow(b->radius, 3);
+  const double va = std::pow(a->radius, 3) / volume;
+  const float red = static_cast<float>(0.9f * va + 0.1f * (1 - va));
+
+  ASSERT_TRUE(world.collide());
+  const Body* m = bodiesOf(world)[0];
+  EXPECT_EQ(m->mass, mass);
+  // Relative rounding of a few operations in double precision.
+  EXPECT_NEAR(std::pow(m->radius, 3), volume, 1e-14 * volume);
+  EXPECT_NEAR(world.momentum().x, momentum.x, 1e-14);
+  EXPECT_NEAR(world.momentum().y, momentum.y, 1e-14);
+  EXPECT_NEAR(world.momentum().z, momentum.z, 1e-14);
+  // The colour is stored in single precision: one float ulp.
+  EXPECT_NEAR(m->color[0], red, 1e-7);
+}
+
+TEST(Collisions, OlderBodyAbsorbsEveryTouchingBodyInOnePass) {
+  World world;
+  addBody(world, vec(0, 0, 0));
+  addBody(world, vec(0.5, 0, 0));
+  addBody(world, vec(0, 0.5, 0));
+  EXPECT_TRUE(world.collide());
+  ASSERT_EQ(world.bodies->count(), 1);
+  EXPECT_EQ(bodiesOf(world)[0]->id, 100);
+  EXPECT_EQ(bodiesOf(world)[0]->mass, 3);
+}
+
+TEST(Collisions, ElasticAndPlasticReboundsOfTheHeadOnPair) {
+  for (double e : {1.0, 0.0}) {
+    World world;
+    world.merge = false;
+    world.restitution = e;
+    Body* a = addBody(world, vec(-1, 0, 0), vec(1, 0, 0));
+    Body* b = addBody(world, vec(1, 0, 0), vec(-1, 0, 0));
+    EXPECT_TRUE(world.collide());
+    EXPECT_EQ(world.bodies->count(), 2);
+    EXPECT_EQ(a->velocity.x, e == 1.0 ? -1.0 : 0.0);
+    EXPECT_EQ(b->velocity.x, e == 1.0 ? 1.0 : 0.0);
+    EXPECT_EQ(a->position.x, -1);  // rebounds never move the bodies
+  }
+}
+
+class Rebound : public ::testing::TestWithParam<double> {};
+
+TEST_P(Rebound, KeepsMomentumAndScalesTheNormalRelativeVelocityByMinusE) {
+  const double e = GetParam();
+  World world;
+  world.merge = false;
+  world.restitution = e;
+  Body* a = addBody(world, vec(0.2, 0.1, -0.3), vec(0.4, -1.1, 0.6), 2.5, 0.5);
+  Body* b = addBody(world, vec(-0.4, 0.5, 0.2), vec(-0.9, 0.3, -0.2), 0.7, 0.5);
+  const Vector n = normalized(a->position - b->position);
+  const Vector rel = a->velocity - b->velocity;
+  const Vector momentum = world.momentum();
+
+  ASSERT_TRUE(world.collide());
+  const Vector relAfter = a->velocity - b->velocity;
+  // Tolerances: rounding of a handful of double operations on values of order 1.
+  EXPECT_NEAR(dot(relAfter, n), -e * dot(rel, n), 1e-14);
+  const Vector tangential = rel - dot(rel, n) * n;
+  const Vector tangentialAfter = relAfter - dot(relAfter, n) * n;
+  EXPECT_NEAR((tangential - tangentialAfter).length(), 0, 1e-14);
+  EXPECT_NEAR((world.momentum() - momentum).length(), 0, 1e-14);
+}
+
+INSTANTIATE_TEST_SUITE_P(Restitution, Rebound, ::testing::Values(0.0, 0.35, 1.0, 1.5));
+
+TEST(Collisions, ReboundAppliesEvenWhenTheBodiesSeparate) {
+  World world;
+  world.merge = false;
+  Body* a = addBody(world, vec(-0.5, 0, 0), vec(-1, 0, 0));
+  Body* b = addBody(world, vec(0.5, 0, 0), vec(1, 0, 0));
+  world.collide();
+  EXPECT_EQ(a->velocity.x, 1);
+  EXPECT_EQ(b->velocity.x, -1);
+  world.collide();
+  EXPECT_EQ(a->velocity.x, -1);
+}
+
+TEST(Collisions, CoincidentCentresTouchWithoutChangingVelocities) {
+  World world;
+  world.merge = false;
+  Body* a = addBody(world, vec(3, 3, 3), vec(1, 0, 0));
+  addBody(world, vec(3, 3, 3), vec(0, 1, 0));
+  EXPECT_TRUE(world.collide());
+  EXPECT_EQ(a->velocity.x, 1);
+  EXPECT_EQ(a->velocity.y, 0);
+}
+
+TEST(Collisions, ContactFoundByThePredictionEndsTheStepWithThePredictedState) {
+  World world;
+  world.gravitationalConstant = 1;
+  world.timeStep = 0.1;
+  world.merge = false;
+  Body* a = addBody(world, vec(-1.05, 0, 0), vec(1, 0, 0));
+  Body* b = addBody(world, vec(1.05, 0, 0), vec(-1, 0, 0));
+  world.step();
+  // Forward Euler by hand: each body is pulled inwards by 1 / 2.1^2, the new
+  // velocity moves the position, and the elastic rebound then swaps the
+  // normal velocities. A Runge-Kutta step would land elsewhere.
+  const double accel = 1.0 / (2.1 * 2.1);
+  const double v = 1.0 + accel * 0.1;
+  const double x = -1.05 + v * 0.1;
+  EXPECT_DOUBLE_EQ(a->position.x, x);
+  EXPECT_DOUBLE_EQ(b->position.x, -x);
+  EXPECT_DOUBLE_EQ(a->velocity.x, -v);
+  EXPECT_DOUBLE_EQ(b->velocity.x, v);
+  EXPECT_DOUBLE_EQ(a->acceleration.x, accel);
+}
+
+TEST(Collisions, MergedBodyIsGoneAfterTheStep) {
+  RecordingObserver observer;
+  World world;
+  noGravity(world);
+  addBody(world, vec(-1.05, 0, 0), vec(10, 0, 0));
+  addBody(world, vec(1.05, 0, 0), vec(-10, 0, 0));
+  observer.events.clear();
+  world.step();
+  EXPECT_EQ(world.bodies->count(), 1);
+  EXPECT_EQ(world.findBodyById(101), nullptr);
+  EXPECT_EQ(observer.count(false), 1);
+}
+
+}  // namespace

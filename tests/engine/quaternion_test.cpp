@@ -1,1 +1,113 @@
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <tuple>
+
+#include "engine/quaternion.h"
+
+namespace {
+
+void expectQuaternion(const Quaternion& q, double w, double x, double y, double z) {
+  EXPECT_EQ(q.w, w);
+  EXPECT_EQ(q.v.x, x);
+  EXPECT_EQ(q.v.y, y);
+  EXPECT_EQ(q.v.z, z);
+}
+
+TEST(Quaternion, DefaultIsZeroAndNormalisesToTheIdentity) {
+  Quaternion q;
+  expectQuaternion(q, 0, 0, 0, 0);
+  q.normalize();
+  expectQuaternion(q, 1, 0, 0, 0);
+
+  Quaternion tiny(1e-13, 0, 0, 0);
+  tiny.normalize();
+  expectQuaternion(tiny, 1, 0, 0, 0);
+
+  Quaternion q2(0, 3, 0, 4);
+  q2.normalize();
+  expectQuaternion(q2, 0, 0.6, 0, 0.8);
+}
+
+TEST(Quaternion, HamiltonProductOfUnitAxes) {
+  const Quaternion i(0, 1, 0, 0), j(0, 0, 1, 0), k(0, 0, 0, 1);
+  expectQuaternion(i * j, 0, 0, 0, 1);
+  expectQuaternion(j * i, 0, 0, 0, -1);
+  expectQuaternion(i * i, -1, 0, 0, 0);
+  Quaternion a = j;
+  a *= k;
+  expectQuaternion(a, 0, 1, 0, 0);
+}
+
+TEST(Quaternion, ScalarDivisionIsGuarded) {
+  expectQuaternion(Quaternion(2, 4, 6, 8) / 2.0, 1, 2, 3, 4);
+  expectQuaternion(Quaternion(2, 4, 6, 8) / 1e-12, 0, 0, 0, 0);
+  Quaternion q(2, 4, 6, 8);
+  q /= 0.0;
+  expectQuaternion(q, 0, 0, 0, 0);
+}
+
+TEST(Quaternion, RotatesAVectorAboutZ) {
+  const double half = std::numbers::pi / 4;  // 90 degrees about +z
+  const Quaternion q(std::cos(half), 0, 0, std::sin(half));
+  const Vector r = q.rotate(Vector::of(1, 0, 0));
+  // Rounding of cos/sin of pi/4, a few ulps.
+  EXPECT_NEAR(r.x, 0, 1e-15);
+  EXPECT_NEAR(r.y, 1, 1e-15);
+  EXPECT_NEAR(r.z, 0, 1e-15);
+}
+
+TEST(Quaternion, ZeroAnglesAreTheIdentityAndBack) {
+  Quaternion q;
+  q.setRollPitchYaw(0, 0, 0);
+  expectQuaternion(q, 1, 0, 0, 0);
+  const Vector a = Quaternion(1, 0, 0, 0).toRollPitchYaw();
+  EXPECT_EQ(a.x, 0);
+  EXPECT_EQ(a.y, 0);
+  EXPECT_EQ(a.z, 0);
+}
+
+class QuaternionAngles : public ::testing::TestWithParam<std::tuple<double, double, double>> {};
+
+TEST_P(QuaternionAngles, RollPitchYawRoundTripsInsideThePrincipalRanges) {
+  const auto [roll, pitch, yaw] = GetParam();
+  const Quaternion q(roll, pitch, yaw);
+  EXPECT_NEAR(q.norm(), 1.0, 4e-16);  // a few ulps: the result is unit length by construction
+  const Vector a = q.toRollPitchYaw();
+  // atan2/asin of products of rounded sines and cosines: within 1e-12 rad.
+  EXPECT_NEAR(a.x, roll, 1e-12);
+  EXPECT_NEAR(a.y, pitch, 1e-12);
+  EXPECT_NEAR(a.z, yaw, 1e-12);
+}
+
+INSTANTIATE_TEST_SUITE_P(Angles, QuaternionAngles,
+                         ::testing::Values(std::make_tuple(0.5236, 0.0, 0.0),
+                                           std::make_tuple(0.0, 1.2, 0.0),
+                                           std::make_tuple(0.0, 0.0, -2.9),
+                                           std::make_tuple(-3.0, -1.5, 3.0),
+                                           std::make_tuple(1.0, 0.7, -0.3)));
+
+TEST(Quaternion, GLMatrixOfIdentityAndZeroIsTheIdentity) {
+  for (const Quaternion& q : {Quaternion(1, 0, 0, 0), Quaternion()}) {
+    const auto m = q.toGLMatrix();
+    for (int i = 0; i < 16; ++i) {
+      EXPECT_EQ(m[i], (i % 5 == 0) ? 1.0 : 0.0) << i;
+    }
+  }
+}
+
+TEST(Quaternion, GLMatrixIsTheTransposedRotation) {
+  const double theta = 0.7;
+  const Quaternion q(std::cos(theta / 2), 0, 0, std::sin(theta / 2));
+  const auto m = q.toGLMatrix();
+  // Products of rounded half-angle sines and cosines: a few ulps.
+  EXPECT_NEAR(m[0], std::cos(theta), 1e-15);
+  EXPECT_NEAR(m[1], -std::sin(theta), 1e-15);
+  EXPECT_NEAR(m[4], std::sin(theta), 1e-15);
+  EXPECT_NEAR(m[5], std::cos(theta), 1e-15);
+  EXPECT_EQ(m[10], 1.0);
+  EXPECT_EQ(m[15], 1.0);
+}
+
+}  // namespace

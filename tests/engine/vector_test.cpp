@@ -1,1 +1,107 @@
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "engine/vector.h"
+#include "test_support.h"
+
+namespace {
+
+void expectVector(const Vector& v, double x, double y, double z) {
+  EXPECT_EQ(v.x, x);
+  EXPECT_EQ(v.y, y);
+  EXPECT_EQ(v.z, z);
+}
+
+struct NormalizeCase {
+  Vector in;
+  Vector out;
+};
+
+class VectorNormalized : public ::testing::TestWithParam<NormalizeCase> {};
+
+TEST_P(VectorNormalized, ComparesTheLengthNotItsSquareWithTheTolerance) {
+  const Vector n = normalized(GetParam().in);
+  expectVector(n, GetParam().out.x, GetParam().out.y, GetParam().out.z);
+}
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+INSTANTIATE_TEST_SUITE_P(Cases, VectorNormalized,
+                         ::testing::Values(NormalizeCase{vec(0, 0, 0), vec(0, 0, 0)},
+                                           NormalizeCase{vec(1e-13, 0, 0), vec(0, 0, 0)},
+                                           NormalizeCase{vec(0, 0, 1e-12), vec(0, 0, 0)},
+                                           NormalizeCase{vec(0, 0, 2e-12), vec(0, 0, 1)},
+                                           NormalizeCase{vec(0, -3, 4), vec(0, -0.6, 0.8)},
+                                           NormalizeCase{vec(kNaN, 1, 1), vec(0, 0, 0)}));
+
+TEST(Vector, IsZeroUsesStrictComparisonsPerComponent) {
+  EXPECT_FALSE(vec(1e-12, 0, 0).isZero());
+  EXPECT_TRUE(vec(9e-13, -9e-13, 0).isZero());
+  EXPECT_FALSE(vec(0, 0, -2e-12).isZero());
+}
+
+TEST(Vector, GuardedDivisionsDifferBetweenReturningAndInPlace) {
+  expectVector(vec(3, 6, 9) / 1e-12, 0, 0, 0);
+  Vector v = vec(3, 6, 9);
+  v /= 1e-12;
+  expectVector(v, 3, 6, 9);
+
+  expectVector(vec(3, 6, 9) / 3.0, 1, 2, 3);
+  v /= 3.0;
+  expectVector(v, 1, 2, 3);
+
+  // A divisor that is not a number fails the comparison in both forms.
+  expectVector(vec(3, 6, 9) / kNaN, 0, 0, 0);
+  Vector w = vec(3, 6, 9);
+  w /= kNaN;
+  expectVector(w, 3, 6, 9);
+}
+
+TEST(Vector, CrossFollowsTheRightHandRule) {
+  expectVector(cross(vec(1, 0, 0), vec(0, 1, 0)), 0, 0, 1);
+  expectVector(cross(vec(0, 1, 0), vec(1, 0, 0)), 0, 0, -1);
+  expectVector(cross(vec(0, 0, 1), vec(1, 0, 0)), 0, 1, 0);
+}
+
+TEST(Vector, CylindricalAndSphericalCoordinates) {
+  // Up to the rounding of cos(pi/2), about 6e-17.
+  const Vector s = Vector::fromSpherical(2, 0, std::numbers::pi / 2);
+  EXPECT_DOUBLE_EQ(s.x, 2);
+  EXPECT_NEAR(s.y, 0, 1e-15);
+  EXPECT_NEAR(s.z, 0, 1e-15);
+  const Vector c = Vector::fromCylindrical(2, 5, std::numbers::pi / 2);
+  EXPECT_NEAR(c.x, 0, 1e-15);
+  EXPECT_DOUBLE_EQ(c.y, 2);
+  EXPECT_EQ(c.z, 5);
+}
+
+TEST(Vector, AngleHelpersUseTheShortFactor) {
+  EXPECT_EQ(degToRad(57.2957795), 1.0);
+  EXPECT_EQ(radToDeg(1.0), 57.2957795);
+  // The short factor differs from 180/pi by about 2.3e-10 relative.
+  EXPECT_NE(degToRad(180.0), std::numbers::pi);
+  EXPECT_NEAR(degToRad(180.0) / std::numbers::pi, 1.0, 3e-10);
+}
+
+TEST(Vector, ArithmeticAndLengths) {
+  expectVector(vec(1, 2, 3) + vec(4, 5, 6), 5, 7, 9);
+  expectVector(vec(1, 2, 3) - vec(4, 5, 6), -3, -3, -3);
+  expectVector(2.0 * vec(1, 2, 3), 2, 4, 6);
+  expectVector(vec(1, 2, 3) * -1.0, -1, -2, -3);
+  expectVector(vec(-1, 2, -3).abs(), 1, 2, 3);
+  EXPECT_EQ(vec(2, 3, 6).length(), 7);
+  EXPECT_EQ(vec(2, 3, 6).lengthSquared(), 49);
+  EXPECT_EQ(dot(vec(1, 2, 3), vec(4, -5, 6)), 12);
+  expectVector(Vector(2.5), 2.5, 2.5, 2.5);
+  Vector v = vec(1, 2, 3);
+  v += vec(1, 1, 1);
+  v -= vec(0, 0, 4);
+  v *= 2;
+  expectVector(v, 4, 6, 0);
+  expectVector(v.zero(), 0, 0, 0);
+}
+
+}  // namespace

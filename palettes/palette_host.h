@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string_view>
+
+class Body;
+class QMenuBar;
+class QObject;
+class QString;
+class QWidget;
+class View;
+class World;
+
+// What the palettes need from the application controller. The controller
+// implements it; palettes reach it only through paletteHost(), so nothing
+// else keeps a pointer to the controller.
+class PaletteHost {
+ public:
+  virtual ~PaletteHost() = default;
+
+  virtual World& world() = 0;
+  virtual bool running() const = 0;
+  virtual bool editing() const = 0;
+
+  // The View record of the main view window, or null when none is main.
+  virtual View* currentView() = 0;
+  // The main view window itself (for its title), or null.
+  virtual QWidget* currentViewWindow() = 0;
+  virtual void setWindowTitleAndMinSize(QWidget* window, const QString& title) = 0;
+
+  // Commands the palettes' buttons and fields send.
+  virtual void toggleSim(QObject* sender) = 0;
+  virtual void stepSim(QObject* sender) = 0;
+  virtual void edit(QObject* sender) = 0;
+  virtual void newBody(QObject* sender) = 0;
+  virtual void setWorldSpeed(float millisecondsPerUpdate) = 0;
+  // Retitles the body's Body-menu item and copies the name into the body;
+  // does nothing when no item carries the body's current name.
+  virtual void worldRenameBody(Body* body, std::string_view newName) = 0;
+
+  // Palette toggles. A palette whose window is closing passes itself as the
+  // sender, so the controller does not close the window a second time.
+  virtual void showSimulationPaletteFromMenu(QObject* sender) = 0;
+  virtual void showViewPaletteFromMenu(QObject* sender) = 0;
+  virtual void showBodyPaletteFromMenu(QObject* sender) = 0;
+  virtual void showOutputPaletteFromMenu(QObject* sender) = 0;
+
+  // Adds the application's menus to a menu bar, so a window that carries one
+  // reaches every command.
+  virtual void populateMenuBar(QMenuBar* bar) = 0;
+};
+
+// Process-wide; null until the application (or a test) installs its host.
+void setPaletteHost(PaletteHost* host);
+PaletteHost* paletteHost();

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+class QImage;
+class QWidget;
+
+// Every modal dialog of the application goes through this interface, so
+// tests can answer them without a person. The application installs the
+// Qt implementation at start-up; tests install their own.
+class Panels {
+ public:
+  virtual ~Panels() = default;
+
+  enum class Answer { Save, DontSave, Cancel };
+  // "Command Confirmation": "Do you want to save the current simulation
+  // first?" with "Save" (default), "Don't Save" and "Cancel".
+  virtual Answer confirmSaveFirst(QWidget* parent) = 0;
+
+  struct OpenChoice {
+    QString path;
+    bool bodies = true;
+    bool simulation = true;
+    bool views = true;
+  };
+  // The Open panel with its three "Load ..." check boxes; nothing on cancel.
+  virtual std::optional<OpenChoice> runOpenPanel(QWidget* parent) = 0;
+
+  struct SaveChoice {
+    QString path;  // with the "ovd" extension added when it had none
+    bool bodies = true;
+    bool simulation = true;
+    bool views = true;
+    int stateIndex = 0;  // 0 "Save design state", 1 "Save current state"
+  };
+  // The "Save Datafile" panel with its check boxes and pop-up.
+  virtual std::optional<SaveChoice> runSavePanel(QWidget* parent) = 0;
+
+  // A plain save panel (for example "Export View to TIFF" with suffix
+  // "tiff", or "Save Log" with none); nothing on cancel.
+  virtual std::optional<QString> runSaveFilePanel(QWidget* parent, const QString& title,
+                                                  const QString& requiredSuffix) = 0;
+
+  // Runs the print dialog and prints the image; false when cancelled.
+  virtual bool printImage(QWidget* parent, const QImage& image) = 0;
+
+  // A message with a single "OK" button.
+  virtual void alert(QWidget* parent, const QString& title, const QString& message) = 0;
+};
+
+// Process-wide; the application installs its Qt panels, tests their own.
+void setPanels(Panels* panels);
+Panels* panels();
