@@ -19,13 +19,17 @@ constexpr int kThreadThreshold = 500;
 // between cores, short enough to keep both threads busy to the end.
 constexpr int kBlockSize = 64;
 constexpr int kMaxThreads = 64;
-// A threaded pass whose caller waited longer than this and than a third of
-// the pass had a helper that lost its core to another process. The next
-// passes then run on one thread: 16 at first, twice as many each time the
-// helper is found slow again, at most 4096 (a few seconds).
-constexpr int64_t kStallNs = 100'000;
+// The automatic choice measures: a threaded force pass that is not clearly
+// faster per pair than recent one-thread passes (a helper that lost its core
+// to another process stalls the whole pass) sends the next passes back to one
+// thread, 16 at first and twice as many after each further failure, up to
+// 4096 (a few seconds); each success halves the pause again.
+constexpr double kWorthwhile = 0.9;
 constexpr int kFirstBackoff = 16;
 constexpr int kMaxBackoff = 4096;
+// A collision test on several threads whose caller waited this long for a
+// helper, and longer than a third of the test, counts as a failure too.
+constexpr int64_t kStallNs = 100'000;
 constexpr int kChunksPerThread = 8;
 
 bool processorHas(KernelPath path) {
@@ -94,12 +98,24 @@ int64_t nanosecondsSince(std::chrono::steady_clock::time_point start) {
 }
 }  // namespace
 
-KernelPath fastestKernelPath() { return fastestPath(); }
-bool kernelPathSupported(KernelPath path) { return processorHas(path); }
-bool setKernelPath(KernelPath path) { return FastPass::instance().setPath(path); }
-KernelPath kernelPath() { return FastPass::instance().path(); }
-void setPassThreads(int threads) { FastPass::instance().setForcedThreads(threads); }
-int passThreads() { return FastPass::instance().forcedThreads(); }
+KernelPath fastestKernelPath() {
+  return fastestPath();
+}
+bool kernelPathSupported(KernelPath path) {
+  return processorHas(path);
+}
+bool setKernelPath(KernelPath path) {
+  return FastPass::instance().setPath(path);
+}
+KernelPath kernelPath() {
+  return FastPass::instance().path();
+}
+void setPassThreads(int threads) {
+  FastPass::instance().setForcedThreads(threads);
+}
+int passThreads() {
+  return FastPass::instance().forcedThreads();
+}
 
 const char* kernelPathName(KernelPath path) {
   switch (path) {
@@ -192,7 +208,7 @@ int FastPass::pack(const LinkedList& bodies, bool radii) {
   return n;
 }
 
-int FastPass::threadsFor(int count) {
+int FastPass::threadsFor(int count, bool forcePass) {
   const int forced = forcedThreads_.load();
   if (forced > 0) {
     return forced;
@@ -200,22 +216,25 @@ int FastPass::threadsFor(int count) {
   if (count < kThreadThreshold || automaticThreads_ == 1) {
     return 1;
   }
-  if (cooldown_ > 0) {
-    --cooldown_;
+  if (singleNsPerPair_ == 0.0 || cooldown_ > 0) {
+    // Only force passes count down the pause; the collision test follows.
+    if (forcePass) {
+      cooldown_ = std::max(cooldown_ - 1, 0);
+    }
     return 1;
   }
   return automaticThreads_;
 }
 
-void FastPass::judge(int64_t passNs, int64_t waitNs) {
+void FastPass::judge(bool worthwhile) {
   if (forcedThreads_.load() > 0) {
     return;
   }
-  if (waitNs > kStallNs && 3 * waitNs > passNs) {
+  if (worthwhile) {
+    backoff_ = std::max(backoff_ / 2, kFirstBackoff);
+  } else {
     cooldown_ = backoff_;
     backoff_ = std::min(2 * backoff_, kMaxBackoff);
-  } else {
-    backoff_ = kFirstBackoff;
   }
 }
 
@@ -233,10 +252,17 @@ bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConst
     return true;
   }
   PackedBodies packed{x_, y_, z_, m_, fx_, fy_, fz_, n, -gravitationalConstant};
-  const int threads = threadsFor(n);
+  const int threads = threadsFor(n, true);
   const int blocks = (n + kBlockSize - 1) / kBlockSize;
+  const double pairs = static_cast<double>(n) * (n - 1) / 2.0;
+  const auto start = std::chrono::steady_clock::now();
   if (threads == 1 || blocks == 1) {
     kernels->triangle(packed, 0, n);
+    if (n >= kThreadThreshold) {
+      // A running mean over the last few passes.
+      const double ns = static_cast<double>(nanosecondsSince(start)) / pairs;
+      singleNsPerPair_ = singleNsPerPair_ == 0.0 ? ns : 0.75 * singleNsPerPair_ + 0.25 * ns;
+    }
   } else {
     ForceTask& task = forceTask_;
     task.kernels = kernels;
@@ -250,10 +276,9 @@ bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConst
     for (int r = 0; r < blocks; ++r) {
       task.progress[r].tiles.store(0, std::memory_order_relaxed);
     }
-    task.callerWaitNs = 0;
-    const auto start = std::chrono::steady_clock::now();
-    const int64_t endWait = pool_.run(task, blocks, threads - 1);
-    judge(nanosecondsSince(start), endWait + task.callerWaitNs);
+    pool_.run(task, blocks, threads - 1);
+    const double ns = static_cast<double>(nanosecondsSince(start)) / pairs;
+    judge(ns < kWorthwhile * singleNsPerPair_);
   }
   for (int k = 0; k < n; ++k) {
     Body& b = *active_[static_cast<size_t>(k)];
@@ -264,7 +289,7 @@ bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConst
   return true;
 }
 
-void FastPass::ForceTask::run(int row, int helper) {
+void FastPass::ForceTask::run(int row, int) {
   const int rowBegin = row * blockSize;
   const int rowEnd = std::min(rowBegin + blockSize, packed.count);
   for (int col = row; col < blocks; ++col) {
@@ -273,12 +298,8 @@ void FastPass::ForceTask::run(int row, int helper) {
       const int needed = col - row + 2;
       std::atomic<int>& above = progress[row - 1].tiles;
       if (above.load(std::memory_order_acquire) < needed) {
-        const auto start = std::chrono::steady_clock::now();
         while (above.load(std::memory_order_acquire) < needed) {
           cpuRelax();
-        }
-        if (helper == 0) {
-          callerWaitNs += nanosecondsSince(start);
         }
       }
     }
@@ -304,7 +325,7 @@ bool FastPass::mayTouch(const LinkedList& bodies) {
   }
   const int n = pack(bodies, true);
   PackedBodies packed{x_, y_, z_, m_, fx_, fy_, fz_, n, 0.0};
-  const int threads = threadsFor(n);
+  const int threads = threadsFor(n, false);
   if (threads == 1) {
     return kernels->anyTouching(packed, 0, n);
   }
@@ -325,9 +346,8 @@ bool FastPass::mayTouch(const LinkedList& bodies) {
   }
   task.rowStarts.push_back(n);
   const auto start = std::chrono::steady_clock::now();
-  const int64_t endWait =
-      pool_.run(task, static_cast<int>(task.rowStarts.size()) - 1, threads - 1);
-  judge(nanosecondsSince(start), endWait);
+  const int64_t waitNs = pool_.run(task, static_cast<int>(task.rowStarts.size()) - 1, threads - 1);
+  judge(waitNs < kStallNs || 3 * waitNs < nanosecondsSince(start));
   return task.found.load();
 }
 

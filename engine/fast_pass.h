@@ -58,8 +58,6 @@ class FastPass {
     int blocks = 0;
     std::unique_ptr<Progress[]> progress;
     int progressCapacity = 0;
-    // Time the calling thread spent waiting for a helper's row.
-    int64_t callerWaitNs = 0;
   };
 
   // Chunks of rows of the touch test; any touching pair ends the test.
@@ -77,8 +75,9 @@ class FastPass {
   // Copies the active bodies into the packed arrays; radii instead of masses
   // for the touch test. Returns the count.
   int pack(const LinkedList& bodies, bool radii);
-  int threadsFor(int count);
-  void judge(int64_t passNs, int64_t waitNs);
+  int threadsFor(int count, bool forcePass);
+  // Records whether a threaded pass paid, for the automatic choice.
+  void judge(bool worthwhile);
 
   std::mutex mutex_;
   std::atomic<KernelPath> path_;
@@ -88,6 +87,9 @@ class FastPass {
   // length of the next such pause (doubled while helpers stay slow).
   int cooldown_ = 0;
   int backoff_ = 0;
+  // Recent one-thread force passes of large worlds, in nanoseconds per pair;
+  // 0 until the first.
+  double singleNsPerPair_ = 0.0;
 
   std::vector<Body*> active_;
   std::vector<double> storage_;

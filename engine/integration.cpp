@@ -107,11 +107,10 @@ bool World::integrate() {
                  (dt * (b.stageVelocity[0] + 2.0 * (b.stageVelocity[1] + b.stageVelocity[2]) +
                         b.stageVelocity[3])) /
                      6.0;
-    b.velocity =
-        b.startVelocity +
-        (dt * (b.stageAcceleration[0] + 2.0 * (b.stageAcceleration[1] + b.stageAcceleration[2]) +
-               b.stageAcceleration[3])) /
-            6.0;
+    b.velocity = b.startVelocity + (dt * (b.stageAcceleration[0] +
+                                          2.0 * (b.stageAcceleration[1] + b.stageAcceleration[2]) +
+                                          b.stageAcceleration[3])) /
+                                       6.0;
     b.clearForces();
   });
 
@@ -144,9 +143,9 @@ void World::adaptiveStep(int n) {
     }
     const double fineEnergy = energy();
     LinkedList* fine = bodies;
-    const bool refine = std::fabs(fineEnergy - coarseEnergy) / std::fabs(coarseEnergy) >=
-                            kEnergyTolerance &&
-                        timeStep >= kMinimumSubstep;
+    const bool refine =
+        std::fabs(fineEnergy - coarseEnergy) / std::fabs(coarseEnergy) >= kEnergyTolerance &&
+        timeStep >= kMinimumSubstep;
     if (!refine) {
       delete fine;
       bodies = coarse;

@@ -115,9 +115,9 @@ void expectFastPassMatchesPlain(World& world) {
       const bool same = sameBits(got[k].x, expected[k].x) && sameBits(got[k].y, expected[k].y) &&
                         sameBits(got[k].z, expected[k].z);
       if (!same && ++mismatches <= 3) {
-        ADD_FAILURE() << "body " << k << ": (" << got[k].x << ", " << got[k].y << ", "
-                      << got[k].z << ") instead of (" << expected[k].x << ", " << expected[k].y
-                      << ", " << expected[k].z << ")";
+        ADD_FAILURE() << "body " << k << ": (" << got[k].x << ", " << got[k].y << ", " << got[k].z
+                      << ") instead of (" << expected[k].x << ", " << expected[k].y << ", "
+                      << expected[k].z << ")";
       }
     }
   }
