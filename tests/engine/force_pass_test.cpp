@@ -126,9 +126,13 @@ void expectFastPassMatchesPlain(World& world) {
 class ForcePassSizes : public ::testing::TestWithParam<int> {};
 
 // Sizes around the vector widths 2, 4 and 8, around the 64-body blocks of
-// the threaded schedule, and two large worlds, at scales from 2^-40 to 2^60.
+// the threaded schedule, and two large worlds, at scales from 2^-40 to 2^60
+// (the large worlds at the two ends only, to keep the sanitized run short).
 TEST_P(ForcePassSizes, FastPassGivesThePlainPassBits) {
   for (int e : {-40, 0, 60}) {
+    if (e == 0 && GetParam() >= 1000) {
+      continue;
+    }
     SCOPED_TRACE("scale 2^" + std::to_string(e));
     World world;
     fillRandom(world, GetParam(), std::ldexp(1.0, e), static_cast<uint32_t>(GetParam() + e));
@@ -210,7 +214,7 @@ std::vector<double> stateOf(const World& world) {
 void fillCluster(World& world, bool merge, bool adaptive) {
   std::mt19937_64 rng(42);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
-  const int n = adaptive ? 100 : 200;
+  const int n = adaptive ? 70 : 200;
   for (int k = 0; k < n; ++k) {
     Body* b = world.createBody();
     b->position = Vector::of(unit(rng) * 10.0, unit(rng) * 10.0, unit(rng) * 10.0);
