@@ -90,12 +90,6 @@ int initialThreads() {
   const long n = std::strtol(env, &end, 10);
   return (end != env && *end == '\0' && n >= 1 && n <= kMaxThreads) ? static_cast<int>(n) : 0;
 }
-
-int64_t nanosecondsSince(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() -
-                                                              start)
-      .count();
-}
 }  // namespace
 
 KernelPath fastestKernelPath() {

@@ -12,13 +12,13 @@ namespace {
 // little is there for the next one; a longer idle time (the host between
 // steps) puts it to sleep so it costs the machine nothing.
 constexpr auto kSpinBeforeSleep = std::chrono::microseconds(200);
+}  // namespace
 
 int64_t nanosecondsSince(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() -
                                                               start)
       .count();
 }
-}  // namespace
 
 void cpuRelax() {
 #if defined(__x86_64__) || defined(__i386__)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <thread>
@@ -51,3 +52,5 @@ class WorkerPool {
 
 // Spins for a short while with the processor's pause hint.
 void cpuRelax();
+// Nanoseconds on the steady clock since start.
+int64_t nanosecondsSince(std::chrono::steady_clock::time_point start);
