@@ -21,12 +21,15 @@ constexpr int kBlockSize = 64;
 constexpr int kMaxThreads = 64;
 // The automatic choice measures: a threaded force pass that is not clearly
 // faster per pair than recent one-thread passes (a helper that lost its core
-// to another process stalls the whole pass) sends the next passes back to one
-// thread, 16 at first and twice as many after each further failure, up to
-// 4096 (a few seconds); each success halves the pause again.
+// to another process stalls the whole pass, often for many milliseconds)
+// sends the next passes back to one thread: 64 at first, twice as many after
+// each further failure, up to 4096 (a few seconds of steps). A stall costs
+// far more than a threaded pass gains, so the pause shrinks again only after
+// a long run of threaded passes that paid.
 constexpr double kWorthwhile = 0.9;
-constexpr int kFirstBackoff = 16;
+constexpr int kFirstBackoff = 64;
 constexpr int kMaxBackoff = 4096;
+constexpr int kSuccessesToShrink = 64;
 // A collision test on several threads whose caller waited this long for a
 // helper, and longer than a third of the test, counts as a failure too.
 constexpr int64_t kStallNs = 100'000;
@@ -225,8 +228,12 @@ void FastPass::judge(bool worthwhile) {
     return;
   }
   if (worthwhile) {
-    backoff_ = std::max(backoff_ / 2, kFirstBackoff);
+    if (++successes_ >= kSuccessesToShrink) {
+      successes_ = 0;
+      backoff_ = std::max(backoff_ / 2, kFirstBackoff);
+    }
   } else {
+    successes_ = 0;
     cooldown_ = backoff_;
     backoff_ = std::min(2 * backoff_, kMaxBackoff);
   }

@@ -87,6 +87,7 @@ class FastPass {
   // length of the next such pause (doubled while helpers stay slow).
   int cooldown_ = 0;
   int backoff_ = 0;
+  int successes_ = 0;
   // Recent one-thread force passes of large worlds, in nanoseconds per pair;
   // 0 until the first.
   double singleNsPerPair_ = 0.0;
