@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "fast_pass.h"
 #include "world.h"
 
 namespace {
@@ -22,6 +23,12 @@ void World::clearAllForces() {
 }
 
 void World::computeForces() {
+  if (!FastPass::instance().computeForces(*bodies, gravitationalConstant)) {
+    computeForcesPlain();
+  }
+}
+
+void World::computeForcesPlain() {
   const double minusG = -gravitationalConstant;
   for (ListNode* ni = bodies->head(); ni != nullptr; ni = ni->next) {
     auto* bi = static_cast<Body*>(ni->item());

@@ -43,14 +43,22 @@ class World {
   bool integrate();
   void adaptiveStep(int n);
   void clearAllForces();
+  // The force pass. It runs packed, vectorised and, for large worlds, on
+  // several threads, with results bit for bit those of computeForcesPlain.
   void computeForces();
+  // The force pass as a plain loop over the body list: the reference that
+  // defines the results (each body's sum is formed in list order of partner).
+  void computeForcesPlain();
   double energy() const;
   Vector momentum() const;
   Vector centerOfMass() const;
   void computeAccelerations();
 
-  // Collisions and traces.
+  // Collisions and traces. collide() first looks for a touching pair with a
+  // packed test and, only if there is one, runs collidePlain, the pass over
+  // the body list that answers the pairs one after another.
   bool collide();
+  bool collidePlain();
   void recordTraces();
 
   double elapsedTime = 0.0;

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "kernels.h"
+#include "speed.h"
+#include "worker_pool.h"
+
+class Body;
+class LinkedList;
+
+// The packed force and collision passes of the engine: one process-wide
+// instance that keeps its packing arrays and helper threads across steps.
+// Its results are bit for bit those of the passes over the body list.
+class FastPass {
+ public:
+  static FastPass& instance();
+
+  // Adds the forces of all pairs of active bodies, as World::computeForcesPlain
+  // does. Returns false, having done nothing, when the reference path is
+  // chosen or another thread is using the instance.
+  bool computeForces(const LinkedList& bodies, double gravitationalConstant);
+  // False when no two active bodies touch; true when some pair touches or the
+  // test was not made (reference path, instance in use).
+  bool mayTouch(const LinkedList& bodies);
+
+  bool setPath(KernelPath path);
+  KernelPath path() const { return path_.load(); }
+  void setForcedThreads(int threads);
+  int forcedThreads() const { return forcedThreads_.load(); }
+
+  FastPass(const FastPass&) = delete;
+  FastPass& operator=(const FastPass&) = delete;
+
+ private:
+  FastPass();
+  ~FastPass();
+
+  struct alignas(64) Progress {
+    std::atomic<int> tiles{0};
+  };
+
+  // One row of blocks of the pair triangle. Blocks are done in the order that
+  // keeps every body's sum in partner order: a block's row goes left to
+  // right, and tile (I, J) waits for tile (I - 1, J), which feeds the same
+  // partner bodies just before it.
+  class ForceTask final : public WorkerPool::Task {
+   public:
+    void run(int row, int helper) override;
+
+    const KernelSet* kernels = nullptr;
+    PackedBodies packed;
+    int blockSize = 0;
+    int blocks = 0;
+    std::unique_ptr<Progress[]> progress;
+    int progressCapacity = 0;
+  };
+
+  // Chunks of rows of the touch test; any touching pair ends the test.
+  class TouchTask final : public WorkerPool::Task {
+   public:
+    void run(int chunk, int helper) override;
+
+    const KernelSet* kernels = nullptr;
+    PackedBodies packed;
+    std::vector<int> rowStarts;
+    std::atomic<bool> found{false};
+  };
+
+  const KernelSet* kernelSet() const;
+  // Copies the active bodies into the packed arrays; radii instead of masses
+  // for the touch test. Returns the count.
+  int pack(const LinkedList& bodies, bool radii);
+  int threadsFor(int count, bool forcePass);
+  // Records whether a threaded pass paid, for the automatic choice.
+  void judge(bool worthwhile);
+
+  std::mutex mutex_;
+  std::atomic<KernelPath> path_;
+  std::atomic<int> forcedThreads_{0};
+  int automaticThreads_ = 1;
+  // Passes left to run on one thread after a helper was found slow, and the
+  // length of the next such pause (doubled while helpers stay slow).
+  int cooldown_ = 0;
+  int backoff_ = 0;
+  int successes_ = 0;
+  // Recent one-thread force passes of large worlds, in nanoseconds per pair;
+  // 0 until the first.
+  double singleNsPerPair_ = 0.0;
+
+  std::vector<Body*> active_;
+  std::vector<double> storage_;
+  int stride_ = 0;
+  double* x_ = nullptr;
+  double* y_ = nullptr;
+  double* z_ = nullptr;
+  double* m_ = nullptr;
+  double* fx_ = nullptr;
+  double* fy_ = nullptr;
+  double* fz_ = nullptr;
+
+  ForceTask forceTask_;
+  TouchTask touchTask_;
+  WorkerPool pool_;
+};

@@ -1,0 +1,162 @@
+#pragma once
+
+// The force and collision kernels, written once over a vector type S and
+// instantiated by each instruction-set translation unit. Everything here has
+// internal linkage: each unit must keep its own copy, compiled for its own
+// instruction set, so the linker can never pick an AVX-512 copy for a machine
+// without it.
+//
+// Exactness: every pair is evaluated with the same operations in the same
+// order as the plain pass over the body list (packed divisions and square
+// roots are correctly rounded, and the engine never contracts to fused
+// multiply-add), and every accumulator receives its contributions in
+// ascending order of partner:
+// - a partner lane accumulates -F over the rows of a tile in row order;
+// - a row's own contributions are transposed, so that its sum over the
+//   partners of a tile becomes W vector additions in partner order;
+// - pairs inside a strip of W bodies are done first, in list order.
+// A pair that fails the distance guard contributes -0 to the row (x + -0 is x
+// for every x) and +0 to the subtraction of the partner, so it leaves both
+// accumulators bit for bit as they were, signed zeros included.
+
+#include "kernels.h"
+
+namespace {
+
+constexpr double kGuard = 1e-12;
+
+// One pair done exactly as the plain pass does it, for the pairs inside a
+// strip.
+inline void scalarPair(const PackedBodies& b, int i, int j) {
+  const double dx = b.x[i] - b.x[j];
+  const double dy = b.y[i] - b.y[j];
+  const double dz = b.z[i] - b.z[j];
+  const double d2 = dx * dx + dy * dy + dz * dz;
+  const double l = __builtin_sqrt(d2);
+  if (!(__builtin_fabs(l) > kGuard)) {
+    return;
+  }
+  const double s = ((b.minusG * b.m[i]) * b.m[j]) / d2;
+  const double fx = s * (dx / l);
+  const double fy = s * (dy / l);
+  const double fz = s * (dz / l);
+  b.fx[i] += fx;
+  b.fy[i] += fy;
+  b.fz[i] += fz;
+  b.fx[j] += -1.0 * fx;
+  b.fy[j] += -1.0 * fy;
+  b.fz[j] += -1.0 * fz;
+}
+
+template <typename S>
+void rectangle(const PackedBodies& b, int rowBegin, int rowEnd, int colBegin, int colEnd) {
+  using V = typename S::V;
+  using M = typename S::M;
+  constexpr int W = S::W;
+  const V tolerance = S::set1(kGuard);
+  for (int r = rowBegin; r < rowEnd; r += W) {
+    const int rows = rowEnd - r < W ? rowEnd - r : W;
+    V fix = S::load(b.fx + r);
+    V fiy = S::load(b.fy + r);
+    V fiz = S::load(b.fz + r);
+    for (int c = colBegin; c < colEnd; c += W) {
+      const M valid = S::firstLanes(colEnd - c < W ? colEnd - c : W);
+      const V xj = S::load(b.x + c);
+      const V yj = S::load(b.y + c);
+      const V zj = S::load(b.z + c);
+      const V mj = S::load(b.m + c);
+      V fjx = S::load(b.fx + c);
+      V fjy = S::load(b.fy + c);
+      V fjz = S::load(b.fz + c);
+      V cx[W];
+      V cy[W];
+      V cz[W];
+      for (int k = 0; k < W; ++k) {
+        if (k >= rows) {
+          cx[k] = cy[k] = cz[k] = S::set1(-0.0);
+          continue;
+        }
+        const int i = r + k;
+        const V dx = S::sub(S::set1(b.x[i]), xj);
+        const V dy = S::sub(S::set1(b.y[i]), yj);
+        const V dz = S::sub(S::set1(b.z[i]), zj);
+        const V d2 = S::add(S::add(S::mul(dx, dx), S::mul(dy, dy)), S::mul(dz, dz));
+        const V l = S::sqrt(d2);
+        const M keep = S::both(valid, S::greater(S::abs(l), tolerance));
+        const V s = S::div(S::mul(S::set1(b.minusG * b.m[i]), mj), d2);
+        const V fx = S::mul(s, S::div(dx, l));
+        const V fy = S::mul(s, S::div(dy, l));
+        const V fz = S::mul(s, S::div(dz, l));
+        fjx = S::sub(fjx, S::orPlusZero(keep, fx));
+        fjy = S::sub(fjy, S::orPlusZero(keep, fy));
+        fjz = S::sub(fjz, S::orPlusZero(keep, fz));
+        cx[k] = S::orMinusZero(keep, fx);
+        cy[k] = S::orMinusZero(keep, fy);
+        cz[k] = S::orMinusZero(keep, fz);
+      }
+      S::store(b.fx + c, fjx);
+      S::store(b.fy + c, fjy);
+      S::store(b.fz + c, fjz);
+      S::transpose(cx);
+      S::transpose(cy);
+      S::transpose(cz);
+      for (int k = 0; k < W; ++k) {
+        fix = S::add(fix, cx[k]);
+        fiy = S::add(fiy, cy[k]);
+        fiz = S::add(fiz, cz[k]);
+      }
+    }
+    S::store(b.fx + r, fix);
+    S::store(b.fy + r, fiy);
+    S::store(b.fz + r, fiz);
+  }
+}
+
+template <typename S>
+void triangle(const PackedBodies& b, int begin, int end) {
+  constexpr int W = S::W;
+  for (int r = begin; r < end; r += W) {
+    const int stripEnd = end - r < W ? end : r + W;
+    for (int i = r; i < stripEnd; ++i) {
+      for (int j = i + 1; j < stripEnd; ++j) {
+        scalarPair(b, i, j);
+      }
+    }
+    if (stripEnd < end) {
+      rectangle<S>(b, r, stripEnd, stripEnd, end);
+    }
+  }
+}
+
+// The touch test of the collision pass, length(p_i - p_j) <= r_i + r_j, for
+// every pair with i in the rows and j after i.
+template <typename S>
+bool anyTouching(const PackedBodies& b, int rowBegin, int rowEnd) {
+  using V = typename S::V;
+  constexpr int W = S::W;
+  for (int i = rowBegin; i < rowEnd; ++i) {
+    const V xi = S::set1(b.x[i]);
+    const V yi = S::set1(b.y[i]);
+    const V zi = S::set1(b.z[i]);
+    const V ri = S::set1(b.m[i]);
+    for (int j = i + 1; j < b.count; j += W) {
+      const V dx = S::sub(xi, S::load(b.x + j));
+      const V dy = S::sub(yi, S::load(b.y + j));
+      const V dz = S::sub(zi, S::load(b.z + j));
+      const V d = S::sqrt(S::add(S::add(S::mul(dx, dx), S::mul(dy, dy)), S::mul(dz, dz)));
+      const V reach = S::add(ri, S::load(b.m + j));
+      const int lanes = b.count - j < W ? b.count - j : W;
+      if (S::any(S::both(S::firstLanes(lanes), S::greaterOrEqual(reach, d)))) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+template <typename S>
+KernelSet makeKernels() {
+  return KernelSet{S::W, &triangle<S>, &rectangle<S>, &anyTouching<S>};
+}
+
+}  // namespace

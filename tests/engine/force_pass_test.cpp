@@ -1,0 +1,293 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "engine/speed.h"
+#include "engine/world.h"
+
+// The fast passes must give exactly the bits of the plain passes over the
+// body list, on every instruction set and with any number of threads. Two
+// results match when every double has the same bits, except that any two
+// NaNs match: which NaN an operation on two NaNs returns depends on operand
+// order, which the compiler may swap in the plain pass itself.
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+bool sameBits(double a, double b) {
+  if (std::isnan(a) && std::isnan(b)) {
+    return true;
+  }
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+struct Config {
+  KernelPath path;
+  int threads;
+  std::string name() const {
+    return std::string(kernelPathName(path)) + " x" + std::to_string(threads);
+  }
+};
+
+// Every packed path this processor runs, each on one and on two threads.
+std::vector<Config> fastConfigs() {
+  std::vector<Config> configs;
+  for (KernelPath p : {KernelPath::Sse2, KernelPath::Avx2, KernelPath::Avx512}) {
+    if (kernelPathSupported(p)) {
+      configs.push_back({p, 1});
+      configs.push_back({p, 2});
+    }
+  }
+  return configs;
+}
+
+// Restores the process-wide choices when a test ends.
+class SpeedChoice {
+ public:
+  SpeedChoice() : path_(kernelPath()), threads_(passThreads()) {}
+  ~SpeedChoice() {
+    setKernelPath(path_);
+    setPassThreads(threads_);
+  }
+  SpeedChoice(const SpeedChoice&) = delete;
+  SpeedChoice& operator=(const SpeedChoice&) = delete;
+
+  static void use(const Config& c) {
+    ASSERT_TRUE(setKernelPath(c.path));
+    setPassThreads(c.threads);
+  }
+
+ private:
+  KernelPath path_;
+  int threads_;
+};
+
+// A world of n bodies in a cube of the given scale. Starting forces are
+// random and include both signed zeros, since the pass adds to what the
+// accumulators hold.
+void fillRandom(World& world, int n, double scale, uint32_t seed) {
+  std::mt19937_64 rng(seed);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  for (int k = 0; k < n; ++k) {
+    Body* b = world.createBody();
+    b->position = Vector::of(unit(rng) * scale, unit(rng) * scale, unit(rng) * scale);
+    b->mass = std::fabs(unit(rng)) * 1e3;
+    const double f[] = {0.0, -0.0, unit(rng)};
+    b->force = Vector::of(f[k % 3], f[(k + 1) % 3], f[(k + 2) % 3]);
+  }
+  world.gravitationalConstant = 1.0;
+}
+
+std::vector<Vector> forcesOf(const World& world) {
+  std::vector<Vector> forces;
+  forEachItem<Body>(*world.bodies, [&](const Body& b) { forces.push_back(b.force); });
+  return forces;
+}
+
+void setForces(World& world, const std::vector<Vector>& forces) {
+  size_t k = 0;
+  forEachItem<Body>(*world.bodies, [&](Body& b) { b.force = forces[k++]; });
+}
+
+// Runs the fast pass in every configuration from the same starting forces
+// and compares each result with the plain pass.
+void expectFastPassMatchesPlain(World& world) {
+  SpeedChoice restore;
+  const std::vector<Vector> start = forcesOf(world);
+  world.computeForcesPlain();
+  const std::vector<Vector> expected = forcesOf(world);
+  for (const Config& c : fastConfigs()) {
+    SCOPED_TRACE(c.name());
+    SpeedChoice::use(c);
+    setForces(world, start);
+    world.computeForces();
+    const std::vector<Vector> got = forcesOf(world);
+    int mismatches = 0;
+    for (size_t k = 0; k < got.size(); ++k) {
+      const bool same = sameBits(got[k].x, expected[k].x) && sameBits(got[k].y, expected[k].y) &&
+                        sameBits(got[k].z, expected[k].z);
+      if (!same && ++mismatches <= 3) {
+        ADD_FAILURE() << "body " << k << ": (" << got[k].x << ", " << got[k].y << ", " << got[k].z
+                      << ") instead of (" << expected[k].x << ", " << expected[k].y << ", "
+                      << expected[k].z << ")";
+      }
+    }
+  }
+}
+
+class ForcePassSizes : public ::testing::TestWithParam<int> {};
+
+// Sizes around the vector widths 2, 4 and 8, around the 64-body blocks of
+// the threaded schedule, and two large worlds, at scales from 2^-40 to 2^60
+// (the large worlds at the two ends only, to keep the sanitized run short).
+TEST_P(ForcePassSizes, FastPassGivesThePlainPassBits) {
+  for (int e : {-40, 0, 60}) {
+    if (e == 0 && GetParam() >= 1000) {
+      continue;
+    }
+    SCOPED_TRACE("scale 2^" + std::to_string(e));
+    World world;
+    fillRandom(world, GetParam(), std::ldexp(1.0, e), static_cast<uint32_t>(GetParam() + e));
+    expectFastPassMatchesPlain(world);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, ForcePassSizes,
+                         ::testing::Values(1, 2, 3, 4, 5, 7, 8, 9, 17, 63, 64, 65, 129, 1000,
+                                           1003));
+
+// Every guarded case, mixed into ordinary bodies so that they fall on the
+// diagonal strips, in partner lanes and in row lanes of the vector tiles.
+TEST(ForcePass, GuardedPairsGiveThePlainPassBits) {
+  World world;
+  fillRandom(world, 150, 10.0, 7);
+  int k = 0;
+  forEachItem<Body>(*world.bodies, [&](Body& b) {
+    switch (k++ % 11) {
+      case 0:
+        b.mass = 0.0;
+        break;
+      case 1:
+        b.mass = -0.0;
+        break;
+      case 2:
+        // Within 1e-12 of the previous body, but not on it.
+        b.position = Vector::of(1.0, 2.0, 3.0 + 5e-13);
+        break;
+      case 3:
+        b.position = Vector::of(1.0, 2.0, 3.0);
+        break;
+      case 4:
+        // Coincident with the body before.
+        b.position = Vector::of(1.0, 2.0, 3.0);
+        break;
+      case 5:
+        b.active = false;
+        break;
+      case 6:
+        // The squared distance overflows to infinity.
+        b.position = Vector::of(1e200, -1e200, 1e200);
+        break;
+      case 7:
+        // The distance itself overflows: the difference is infinite.
+        b.position = Vector::of(1.7e308, -1.7e308, 0.0);
+        break;
+      case 8:
+        b.position.y = kNaN;
+        break;
+      case 9:
+        b.mass = (k % 2 == 0) ? kInf : kNaN;
+        break;
+      default:
+        break;
+    }
+  });
+  expectFastPassMatchesPlain(world);
+}
+
+// A body's state after the steps, field by field.
+std::vector<double> stateOf(const World& world) {
+  std::vector<double> s;
+  forEachItem<Body>(*world.bodies, [&](const Body& b) {
+    for (const Vector* v : {&b.position, &b.velocity, &b.acceleration}) {
+      s.insert(s.end(), {v->x, v->y, v->z});
+    }
+    s.insert(s.end(), {b.mass, b.radius, static_cast<double>(b.id)});
+    s.insert(s.end(), {b.color[0], b.color[1], b.color[2]});
+  });
+  return s;
+}
+
+// A cluster in which some bodies touch from the start and more come into
+// contact during the steps, so that the collision passes on the prediction
+// and on the final state both find pairs. With adaptive stepping the energy
+// test refines down to its 1e-8 bound; a time step of 1e-7 keeps that to a
+// few levels.
+void fillCluster(World& world, bool merge, bool adaptive) {
+  std::mt19937_64 rng(42);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  const int n = adaptive ? 70 : 200;
+  for (int k = 0; k < n; ++k) {
+    Body* b = world.createBody();
+    b->position = Vector::of(unit(rng) * 10.0, unit(rng) * 10.0, unit(rng) * 10.0);
+    b->velocity = Vector::of(unit(rng), unit(rng), unit(rng));
+    b->mass = 1.0 + std::fabs(unit(rng)) * 10.0;
+    b->radius = 0.4 + 0.2 * std::fabs(unit(rng));
+    b->color[0] = static_cast<float>(std::fabs(unit(rng)));
+  }
+  world.gravitationalConstant = 1.0;
+  world.timeStep = adaptive ? 1e-7 : 0.05;
+  world.merge = merge;
+  world.restitution = 0.5;
+  world.adaptive = adaptive;
+}
+
+struct StepCase {
+  bool merge;
+  bool adaptive;
+};
+
+class FullSteps : public ::testing::TestWithParam<StepCase> {};
+
+TEST_P(FullSteps, StepsGiveTheReferenceEngineBits) {
+  SpeedChoice restore;
+  constexpr int kSteps = 6;
+  ASSERT_TRUE(setKernelPath(KernelPath::Reference));
+  World reference;
+  fillCluster(reference, GetParam().merge, GetParam().adaptive);
+  const int bodiesBefore = reference.bodies->count();
+  for (int s = 0; s < kSteps; ++s) {
+    reference.step();
+  }
+  const std::vector<double> expected = stateOf(reference);
+  if (GetParam().merge) {
+    ASSERT_LT(reference.bodies->count(), bodiesBefore) << "the cluster should merge bodies";
+  }
+
+  for (const Config& c : fastConfigs()) {
+    SCOPED_TRACE(c.name());
+    SpeedChoice::use(c);
+    World world;
+    fillCluster(world, GetParam().merge, GetParam().adaptive);
+    for (int s = 0; s < kSteps; ++s) {
+      world.step();
+    }
+    const std::vector<double> got = stateOf(world);
+    ASSERT_EQ(got.size(), expected.size());
+    for (size_t k = 0; k < got.size(); ++k) {
+      ASSERT_TRUE(sameBits(got[k], expected[k]))
+          << "value " << k << ": " << got[k] << " instead of " << expected[k];
+    }
+    EXPECT_EQ(world.elapsedTime, reference.elapsedTime);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, FullSteps,
+                         ::testing::Values(StepCase{true, false}, StepCase{false, false},
+                                           StepCase{true, true}, StepCase{false, true}),
+                         [](const ::testing::TestParamInfo<StepCase>& p) {
+                           return std::string(p.param.merge ? "Merge" : "Rebound") +
+                                  (p.param.adaptive ? "Adaptive" : "Fixed");
+                         });
+
+TEST(KernelPaths, UnsupportedPathIsRefusedAndTheChoiceKept) {
+  SpeedChoice restore;
+  ASSERT_TRUE(setKernelPath(KernelPath::Sse2));
+  for (KernelPath p : {KernelPath::Avx2, KernelPath::Avx512}) {
+    if (!kernelPathSupported(p)) {
+      EXPECT_FALSE(setKernelPath(p));
+      EXPECT_EQ(kernelPath(), KernelPath::Sse2);
+    }
+  }
+  EXPECT_TRUE(kernelPathSupported(fastestKernelPath()));
+}
+
+}  // namespace
