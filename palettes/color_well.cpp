@@ -6,6 +6,7 @@
 
 ColorWell::ColorWell(QWidget* parent) : QPushButton(parent) {
   setMinimumSize(48, 22);
+  setMaximumWidth(96);
   connect(this, &QPushButton::clicked, this, &ColorWell::choose);
 }
 

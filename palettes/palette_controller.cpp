@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFocusEvent>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QTimer>
@@ -114,6 +115,21 @@ ColorWell* PaletteController::makeColorWell(const char* name) {
   well->setObjectName(QString::fromLatin1(name));
   connect(well, &ColorWell::colorChosen, this, [this, well] { setValues(well); });
   return well;
+}
+
+QWidget* PaletteController::makeRow(std::initializer_list<QWidget*> controls) {
+  auto* row = new QWidget;
+  auto* layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(4);
+  for (QWidget* control : controls) {
+    // Three fields share one row of a narrow palette: each asks only for
+    // room for a typical number and takes what the row can give.
+    control->setMinimumWidth(72);
+    control->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    layout->addWidget(control);
+  }
+  return row;
 }
 
 void PaletteController::showText(QLineEdit* field, const QString& text) {

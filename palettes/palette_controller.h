@@ -62,6 +62,8 @@ class PaletteController : public QObject {
   QComboBox* makePopUp(const char* name,
                        std::initializer_list<std::pair<const char*, QString>> items);
   ColorWell* makeColorWell(const char* name);
+  // Lays out controls side by side, for the x, y and z of one vector.
+  static QWidget* makeRow(std::initializer_list<QWidget*> controls);
 
   // Shows text in an editable field unless the user is editing it; changes
   // the field only when the text differs, so cursor and selection survive.

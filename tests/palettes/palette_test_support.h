@@ -99,6 +99,28 @@ class TestHost : public PaletteHost {
   }
 };
 
+// The controller's toggle for one palette: hiding stops the refresh timer
+// (inspectors only) and closes the window unless the palette itself is
+// closing it; showing starts the timer and shows the window.
+template <typename Palette>
+void togglePalette(Palette& palette, bool& shown, QObject* sender) {
+  constexpr bool inspector = requires {
+    palette.becomeVisible();
+  };
+  if (shown) {
+    if constexpr (inspector)
+      palette.becomeInvisible();
+    if (sender != &palette)
+      palette.window()->close();
+    shown = false;
+  } else {
+    if constexpr (inspector)
+      palette.becomeVisible();
+    palette.window()->show();
+    shown = true;
+  }
+}
+
 // Answers the dialogs from a script the test fills in.
 class ScriptedPanels : public Panels {
  public:
@@ -141,6 +163,11 @@ inline QComboBox* popUp(QWidget* window, const char* name) {
   auto* p = window->findChild<QComboBox*>(QString::fromLatin1(name));
   EXPECT_NE(p, nullptr) << name;
   return p;
+}
+
+// The number a field shows.
+inline double readBack(QLineEdit* f) {
+  return f->text().toDouble();
 }
 
 inline std::string selectedItem(QComboBox* p) {

@@ -17,18 +17,7 @@ constexpr int kSeveralTicksMs = 700;
 class SimulationPalette : public testing::Test {
  protected:
   void SetUp() override {
-    host.onToggle = [this](QObject* sender) {
-      if (visible) {
-        palette.becomeInvisible();
-        if (sender != &palette)
-          palette.window()->close();
-        visible = false;
-      } else {
-        palette.becomeVisible();
-        palette.window()->show();
-        visible = true;
-      }
-    };
+    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
   }
 
   void show() {

@@ -13,16 +13,7 @@ namespace {
 class TextOutput : public testing::Test {
  protected:
   void SetUp() override {
-    host.onToggle = [this](QObject* sender) {
-      if (visible) {
-        if (sender != &palette)
-          palette.window()->close();
-        visible = false;
-      } else {
-        palette.window()->show();
-        visible = true;
-      }
-    };
+    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
   }
 
   // What the controller's step does: one world step, then a line if wanted.

@@ -1,0 +1,161 @@
+#include "palettes/body_window_controller.h"
+
+#include <QComboBox>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "engine/world.h"
+#include "palettes/color_well.h"
+#include "palettes/number_text.h"
+#include "palettes/palette_host.h"
+#include "view/view.h"
+
+BodyWindowController::BodyWindowController(QObject* parent)
+    : PaletteController(QStringLiteral("BodyPalette"), tr("Body"), parent) {
+  buildWindow();
+  // Until a refresh finds a body there is nothing to show.
+  setCEnabled(false);
+}
+
+void BodyWindowController::buildWindow() {
+  name_ = makeTextField("name");
+  px_ = makeTextField("px");
+  py_ = makeTextField("py");
+  pz_ = makeTextField("pz");
+  vx_ = makeTextField("vx");
+  vy_ = makeTextField("vy");
+  vz_ = makeTextField("vz");
+  ax_ = makeTextField("ax");
+  ay_ = makeTextField("ay");
+  az_ = makeTextField("az");
+  mass_ = makeTextField("mass");
+  radius_ = makeTextField("radius");
+  color_ = makeColorWell("color");
+  traceenable_ = makePopUp("traceenable", {{"tracetrue", tr("On")}, {"tracefalse", tr("Off")}});
+  vectorenable_ = makePopUp("vectorenable", {{"vectortrue", tr("On")}, {"vectorfalse", tr("Off")}});
+  deleteButton_ = new QPushButton(tr("Delete body"));
+  deleteButton_->setObjectName(QStringLiteral("deleteButton"));
+  connect(deleteButton_, &QPushButton::clicked, this, [this] { clickDelete(deleteButton_); });
+
+  auto* form = new QFormLayout;
+  form->addRow(tr("Name"), name_);
+  form->addRow(tr("Position x, y, z"), makeRow({px_, py_, pz_}));
+  form->addRow(tr("Velocity x, y, z"), makeRow({vx_, vy_, vz_}));
+  form->addRow(tr("Acceleration x, y, z"), makeRow({ax_, ay_, az_}));
+  form->addRow(tr("Mass"), mass_);
+  form->addRow(tr("Radius"), radius_);
+  form->addRow(tr("Colour"), color_);
+  form->addRow(tr("Trace"), traceenable_);
+  form->addRow(tr("Vectors"), vectorenable_);
+  windowLayout()->addLayout(form);
+  windowLayout()->addWidget(deleteButton_, 0, Qt::AlignRight);
+}
+
+void BodyWindowController::windowWillClose() {
+  if (PaletteHost* host = paletteHost()) {
+    host->showBodyPaletteFromMenu(this);
+  }
+}
+
+Body* BodyWindowController::inspectedBody() {
+  PaletteHost* host = paletteHost();
+  const View* v = host != nullptr ? host->currentView() : nullptr;
+  if (v == nullptr) {
+    return nullptr;
+  }
+  return host->world().findBodyById(v->selectedBodyID);
+}
+
+void BodyWindowController::setCEnabled(bool enabled) {
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{ax_, ay_, az_, color_, deleteButton_, mass_, name_, px_, py_,
+                                       pz_, radius_, traceenable_, vectorenable_, vx_, vy_, vz_}) {
+    setControlEnabled(control, enabled);
+  }
+}
+
+void BodyWindowController::getValues() {
+  const Body* body = inspectedBody();
+  if (body == nullptr) {
+    setCEnabled(false);
+    return;
+  }
+  setCEnabled(true);
+  showText(name_, QString::fromUtf8(body->name));
+  showText(px_, formatReal(body->position.x));
+  showText(py_, formatReal(body->position.y));
+  showText(pz_, formatReal(body->position.z));
+  showText(vx_, formatReal(body->velocity.x));
+  showText(vy_, formatReal(body->velocity.y));
+  showText(vz_, formatReal(body->velocity.z));
+  showText(ax_, formatReal(body->acceleration.x));
+  showText(ay_, formatReal(body->acceleration.y));
+  showText(az_, formatReal(body->acceleration.z));
+  showText(mass_, formatReal(body->mass));
+  showText(radius_, formatReal(body->radius));
+  selectItem(traceenable_, body->traceEnable ? "tracetrue" : "tracefalse");
+  selectItem(vectorenable_, body->showVectors ? "vectortrue" : "vectorfalse");
+  color_->setComponents(body->color);
+}
+
+void BodyWindowController::setValues(QObject* sender) {
+  PaletteHost* host = paletteHost();
+  if (host == nullptr || host->currentView() == nullptr) {
+    return;
+  }
+  if (Body* body = inspectedBody()) {
+    if (sender == px_) {
+      body->position.x = readReal(px_->text());
+    } else if (sender == py_) {
+      body->position.y = readReal(py_->text());
+    } else if (sender == pz_) {
+      body->position.z = readReal(pz_->text());
+    } else if (sender == vx_) {
+      body->velocity.x = readReal(vx_->text());
+    } else if (sender == vy_) {
+      body->velocity.y = readReal(vy_->text());
+    } else if (sender == vz_) {
+      body->velocity.z = readReal(vz_->text());
+    } else if (sender == ax_) {
+      body->acceleration.x = readReal(ax_->text());
+    } else if (sender == ay_) {
+      body->acceleration.y = readReal(ay_->text());
+    } else if (sender == az_) {
+      body->acceleration.z = readReal(az_->text());
+    } else if (sender == radius_) {
+      body->radius = readReal(radius_->text());
+    } else if (sender == mass_) {
+      body->mass = readReal(mass_->text());
+    } else if (sender == color_) {
+      const std::array<float, 3> rgb = color_->components();
+      std::copy(rgb.begin(), rgb.end(), body->color);
+    } else if (sender == traceenable_) {
+      if (itemSelected(traceenable_, "tracetrue")) {
+        body->traceEnable = true;
+      } else if (itemSelected(traceenable_, "tracefalse")) {
+        body->traceEnable = false;
+      }
+    } else if (sender == vectorenable_) {
+      if (itemSelected(vectorenable_, "vectortrue")) {
+        body->showVectors = true;
+      } else if (itemSelected(vectorenable_, "vectorfalse")) {
+        body->showVectors = false;
+      }
+    } else if (sender == name_) {
+      // The controller renames the body's Body-menu item and the body.
+      host->worldRenameBody(body, name_->text().toStdString());
+    }
+  }
+  getValues();
+}
+
+void BodyWindowController::clickDelete(QObject*) {
+  if (const Body* body = inspectedBody()) {
+    paletteHost()->world().deleteBodyById(body->id);
+    // The view keeps its selection; the palette empties at once rather than
+    // at the next refresh.
+    getValues();
+  }
+}

@@ -1,0 +1,287 @@
+#include <QPushButton>
+#include <QTimer>
+
+#include "palette_test_support.h"
+#include "palettes/body_window_controller.h"
+#include "palettes/color_well.h"
+#include "view/view.h"
+
+namespace {
+
+// The refresh runs every 200 ms; this lets at least two ticks pass.
+constexpr int kSeveralTicksMs = 700;
+
+const char* const kControls[] = {"ax",           "ay", "az", "color", "deleteButton", "mass",
+                                 "name",         "px", "py", "pz",    "radius",       "traceenable",
+                                 "vectorenable", "vx", "vy", "vz"};
+
+class BodyPalette : public testing::Test {
+ protected:
+  void SetUp() override {
+    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
+    host.view = &view;
+    host.viewWindow = &viewWindow;
+    earth = named(host.w.createBody(), "Earth");
+    moon = named(host.w.createBody(), "Moon");
+    view.selectedBodyID = earth->id;
+  }
+
+  static Body* named(Body* b, const char* name) {
+    copyName(b->name, name);
+    return b;
+  }
+
+  void show() {
+    host.showBodyPaletteFromMenu(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
+  }
+
+  QLineEdit* f(const char* name) { return field(win, name); }
+
+  // Every control disabled and showing nothing.
+  void expectEmptyAndDisabled() {
+    for (const char* name : kControls) {
+      auto* w = win->findChild<QWidget*>(QString::fromLatin1(name));
+      ASSERT_NE(w, nullptr) << name;
+      EXPECT_FALSE(w->isEnabled()) << name;
+      if (auto* e = qobject_cast<QLineEdit*>(w)) {
+        EXPECT_TRUE(e->text().isEmpty()) << name;
+      }
+      if (auto* p = qobject_cast<QComboBox*>(w)) {
+        EXPECT_EQ(p->currentIndex(), -1) << name;
+      }
+      if (auto* c = qobject_cast<ColorWell*>(w)) {
+        EXPECT_FALSE(c->hasColor()) << name;
+      }
+    }
+  }
+
+  TestHost host;
+  ScriptedPanels dialogs;
+  View view{0};
+  QWidget viewWindow;
+  BodyWindowController palette;
+  QWidget* win = palette.window();
+  Body* earth = nullptr;
+  Body* moon = nullptr;
+  bool visible = false;
+};
+
+TEST_F(BodyPalette, WithNoViewWindowEverythingIsDisabledAndEmpty) {
+  host.view = nullptr;
+  show();
+  expectEmptyAndDisabled();
+}
+
+TEST_F(BodyPalette, ShowingFillsEveryControlBeforeTheFirstTick) {
+  earth->position = Vector::of(1.5, -2, 3e8);
+  earth->color[0] = 1.0f;
+  palette.becomeVisible();
+  for (const char* name : kControls) {
+    auto* w = win->findChild<QWidget*>(QString::fromLatin1(name));
+    EXPECT_TRUE(w->isEnabled()) << name;
+    if (auto* e = qobject_cast<QLineEdit*>(w)) {
+      EXPECT_FALSE(e->text().isEmpty()) << name;
+    }
+  }
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Earth"));
+  EXPECT_EQ(f("px")->text(), QStringLiteral("1.5"));
+  EXPECT_EQ(f("pz")->text(), QStringLiteral("3e+08"));
+  EXPECT_EQ(selectedItem(popUp(win, "traceenable")), "tracefalse");
+  EXPECT_EQ(selectedItem(popUp(win, "vectorenable")), "vectortrue");
+  EXPECT_EQ(win->findChild<ColorWell*>(QStringLiteral("color"))->components()[0], 1.0f);
+}
+
+TEST_F(BodyPalette, FollowsTheSelectionAndTheMainWindow) {
+  show();
+  view.selectedBodyID = moon->id;
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Moon"));
+
+  View other(1);
+  other.selectedBodyID = earth->id;
+  host.view = &other;
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Earth"));
+
+  View none(2);
+  host.view = &none;
+  QTest::qWait(kSeveralTicksMs);
+  expectEmptyAndDisabled();
+}
+
+TEST_F(BodyPalette, EmptiesWhenItsBodyIsMergedAway) {
+  host.w.merge = true;
+  moon->position = earth->position;  // touching: the later body is absorbed
+  view.selectedBodyID = moon->id;
+  show();
+  const int selected = view.selectedBodyID;
+  host.w.step();
+  ASSERT_EQ(host.w.findBodyById(selected), nullptr);
+  QTest::qWait(kSeveralTicksMs);
+  expectEmptyAndDisabled();
+  EXPECT_EQ(view.selectedBodyID, selected);
+}
+
+TEST_F(BodyPalette, DeleteButtonDeletesTheBodyAndEmptiesThePalette) {
+  show();
+  QTest::mouseClick(win->findChild<QPushButton*>(QStringLiteral("deleteButton")), Qt::LeftButton);
+  EXPECT_EQ(host.w.findBodyById(100), nullptr);
+  EXPECT_EQ(host.w.bodies->count(), 1);
+  EXPECT_EQ(view.selectedBodyID, 100);
+  expectEmptyAndDisabled();
+}
+
+TEST_F(BodyPalette, RenamesThroughTheController) {
+  show();
+  enter(f("name"), QStringLiteral("Gaia"));
+  EXPECT_EQ(host.count("worldRenameBody"), 1);
+  EXPECT_STREQ(earth->name, "Gaia");
+  EXPECT_EQ(f("name")->text(), QStringLiteral("Gaia"));
+}
+
+TEST_F(BodyPalette, VeryLongNameReachesTheBodyCutToWholeCharacters) {
+  show();
+  enter(f("name"), QString(10000, QChar(0x4E16)));  // three bytes each in UTF-8
+  EXPECT_EQ(host.renamedTo.size(), 30000u);
+  EXPECT_EQ(QString::fromUtf8(earth->name), QString(84, QChar(0x4E16)));
+}
+
+struct BodyFieldCase {
+  const char* field;
+  double (*value)(const Body&);
+};
+
+class BodyFieldCommit : public BodyPalette, public testing::WithParamInterface<BodyFieldCase> {};
+
+TEST_P(BodyFieldCommit, WritesOnlyThatValueOfTheBody) {
+  show();
+  typeInto(f(GetParam().field), QStringLiteral("-7.25"));
+  // The simulation moved the body after the palette last showed it.
+  earth->position = Vector::of(11, 12, 13);
+  earth->velocity = Vector::of(21, 22, 23);
+  earth->acceleration = Vector::of(31, 32, 33);
+  earth->mass = 41;
+  earth->radius = 51;
+  double before[11];
+  const auto snapshot = [this](double* out) {
+    const Body& b = *earth;
+    const double values[11] = {b.position.x,     b.position.y, b.position.z,     b.velocity.x,
+                               b.velocity.y,     b.velocity.z, b.acceleration.x, b.acceleration.y,
+                               b.acceleration.z, b.mass,       b.radius};
+    std::copy(values, values + 11, out);
+  };
+  snapshot(before);
+  QTest::keyClick(f(GetParam().field), Qt::Key_Return);
+  double after[11];
+  snapshot(after);
+  EXPECT_EQ(GetParam().value(*earth), -7.25);
+  int changed = 0;
+  for (int i = 0; i < 11; ++i)
+    changed += before[i] != after[i] ? 1 : 0;
+  EXPECT_EQ(changed, 1);
+  EXPECT_EQ(moon->position.x, 0.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fields, BodyFieldCommit,
+    testing::Values(BodyFieldCase{"px", [](const Body& b) { return b.position.x; }},
+                    BodyFieldCase{"py", [](const Body& b) { return b.position.y; }},
+                    BodyFieldCase{"pz", [](const Body& b) { return b.position.z; }},
+                    BodyFieldCase{"vx", [](const Body& b) { return b.velocity.x; }},
+                    BodyFieldCase{"vy", [](const Body& b) { return b.velocity.y; }},
+                    BodyFieldCase{"vz", [](const Body& b) { return b.velocity.z; }},
+                    BodyFieldCase{"ax", [](const Body& b) { return b.acceleration.x; }},
+                    BodyFieldCase{"ay", [](const Body& b) { return b.acceleration.y; }},
+                    BodyFieldCase{"az", [](const Body& b) { return b.acceleration.z; }},
+                    BodyFieldCase{"mass", [](const Body& b) { return b.mass; }},
+                    BodyFieldCase{"radius", [](const Body& b) { return b.radius; }}),
+    [](const auto& p) { return std::string(p.param.field); });
+
+TEST_F(BodyPalette, PopUpsAndColourWellSetTheBody) {
+  show();
+  chooseItem(popUp(win, "traceenable"), "tracetrue");
+  chooseItem(popUp(win, "vectorenable"), "vectorfalse");
+  EXPECT_TRUE(earth->traceEnable);
+  EXPECT_FALSE(earth->showVectors);
+  dialogs.color = QColor(0, 255, 0);
+  QTest::mouseClick(win->findChild<ColorWell*>(QStringLiteral("color")), Qt::LeftButton);
+  EXPECT_EQ(earth->color[0], 0.0f);
+  EXPECT_EQ(earth->color[1], 1.0f);
+  EXPECT_EQ(earth->color[2], 0.0f);
+  dialogs.color.reset();  // cancelled: nothing changes
+  QTest::mouseClick(win->findChild<ColorWell*>(QStringLiteral("color")), Qt::LeftButton);
+  EXPECT_EQ(earth->color[1], 1.0f);
+}
+
+TEST_F(BodyPalette, TypedPositionSurvivesARunningSimulationUntilCommitted) {
+  moon->position = Vector::of(100, 0, 0);
+  moon->velocity = Vector::of(0, 50, 0);
+  QTimer clock;  // the controller's update timer
+  QObject::connect(&clock, &QTimer::timeout, [this] { host.w.step(); });
+  clock.start(5);
+  view.selectedBodyID = moon->id;
+  show();
+  typeInto(f("px"), QStringLiteral("42"));
+  const QString vyBefore = f("py")->text();
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_EQ(f("px")->text(), QStringLiteral("42"));
+  EXPECT_NE(f("py")->text(), vyBefore);
+  QTest::keyClick(f("px"), Qt::Key_Return);
+  clock.stop();
+  // The next steps start from the typed position: 42 plus at most a few
+  // steps of motion along x, far from the 100 it had.
+  EXPECT_LT(std::abs(moon->position.x - 42.0), 1.0);
+}
+
+TEST_F(BodyPalette, BodyDeletedWhileTypingLeavesNothingCommitted) {
+  show();
+  win->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(win));
+  QTest::mouseClick(f("px"), Qt::LeftButton);
+  typeInto(f("px"), QStringLiteral("99"));
+  host.w.deleteBodyById(earth->id);
+  view.selectedBodyID = 0;
+  QTest::qWait(kSeveralTicksMs);
+  expectEmptyAndDisabled();
+  EXPECT_EQ(moon->position.x, 0.0);
+}
+
+TEST_F(BodyPalette, ClosingWithTheCloseBoxSendsItsToggle) {
+  show();
+  ASSERT_TRUE(clickCloseBox(win));
+  ASSERT_EQ(host.toggles.size(), 2u);
+  EXPECT_EQ(host.toggles[1], &palette);
+  EXPECT_FALSE(visible);
+}
+
+class BodyBadInput : public BodyPalette, public testing::WithParamInterface<const char*> {};
+
+TEST_P(BodyBadInput, IsTakenWithoutHarm) {
+  show();
+  const QString text = QString::fromUtf8(GetParam());
+  for (const char* name :
+       {"px", "py", "pz", "vx", "vy", "vz", "ax", "ay", "az", "mass", "radius", "name"})
+    enter(f(name), text);
+  EXPECT_EQ(std::signbit(earth->mass), text == QStringLiteral("-0"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, BodyBadInput,
+                         testing::Values("letters", "", "1e400", "-0", "NaN", "1e-400"));
+
+TEST_F(BodyPalette, PictureInUse) {
+  earth->position = Vector::of(149.6, -3.25, 0.5);
+  earth->velocity = Vector::of(0, 29.78, 0);
+  earth->mass = 5.972;
+  earth->radius = 6.371;
+  earth->color[0] = 0.2f;
+  earth->color[1] = 0.4f;
+  earth->color[2] = 0.9f;
+  earth->traceEnable = true;
+  show();
+  typeInto(f("mass"), QStringLiteral("6.0"));
+  screenshot(win, "body_palette");
+  EXPECT_EQ(f("mass")->text(), QStringLiteral("6.0"));
+}
+
+}  // namespace

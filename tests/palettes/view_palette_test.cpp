@@ -1,0 +1,252 @@
+#include <QPushButton>
+#include <cmath>
+#include <limits>
+
+#include "palette_test_support.h"
+#include "palettes/color_well.h"
+#include "palettes/view_window_controller.h"
+#include "view/trackball.h"
+#include "view/view.h"
+
+namespace {
+
+// The refresh runs every 200 ms; this lets at least two ticks pass.
+constexpr int kSeveralTicksMs = 700;
+
+class ViewPalette : public testing::Test {
+ protected:
+  void SetUp() override {
+    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
+    host.view = &view;
+    host.viewWindow = &viewWindow;
+  }
+
+  void show() {
+    host.showViewPaletteFromMenu(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
+  }
+
+  QLineEdit* f(const char* name) { return field(win, name); }
+
+  TestHost host;
+  ScriptedPanels dialogs;
+  View view{0};
+  QWidget viewWindow;
+  ViewWindowController palette;
+  QWidget* win = palette.window();
+  bool visible = false;
+};
+
+TEST_F(ViewPalette, ShowingFillsEveryControlAndTitlesTheViewWindow) {
+  palette.becomeVisible();
+  for (const char* name : {"name", "cx", "cy", "cz", "fx", "fy", "fz", "tr", "tp", "ty",
+                           "autodistance", "gridspacing"})
+    EXPECT_FALSE(f(name)->text().isEmpty()) << name;
+  EXPECT_EQ(f("name")->text(), QStringLiteral("View 0"));
+  EXPECT_EQ(f("cz")->text(), QStringLiteral("400"));
+  EXPECT_EQ(f("autodistance")->text(), QStringLiteral("200"));
+  EXPECT_EQ(f("gridspacing")->text(), QStringLiteral("100"));
+  EXPECT_EQ(selectedItem(popUp(win, "type")), "viewuserdefined");
+  EXPECT_EQ(selectedItem(popUp(win, "trackball")), "trackballtrue");
+  EXPECT_EQ(selectedItem(popUp(win, "gridenable")), "gridtrue");
+  EXPECT_EQ(selectedItem(popUp(win, "traceenable")), "tracetrue");
+  EXPECT_EQ(selectedItem(popUp(win, "vectors")), "vtrue");
+  EXPECT_TRUE(win->findChild<ColorWell*>(QStringLiteral("gridcolor"))->hasColor());
+  EXPECT_EQ(viewWindow.windowTitle(), QStringLiteral("View 0"));
+}
+
+TEST_F(ViewPalette, ThirtyDegreesOfRollReadsBackAsThirtyZeroZero) {
+  show();
+  enter(f("tr"), QStringLiteral("30"));
+  EXPECT_EQ(f("tr")->text(), QStringLiteral("30"));
+  // "%g" shows six significant digits; zero angles may come back as rounding
+  // noise of the quaternion conversion, far below a millionth of a degree.
+  EXPECT_NEAR(readBack(f("tp")), 0.0, 1e-6);
+  EXPECT_NEAR(readBack(f("ty")), 0.0, 1e-6);
+}
+
+TEST_F(ViewPalette, PitchBeyondNinetyReadsBackAsAnEquivalentOrientation) {
+  show();
+  enter(f("tp"), QStringLiteral("120"));
+  // Pitching 120 degrees is rolling and yawing half a turn with 60 of pitch.
+  EXPECT_EQ(f("tp")->text(), QStringLiteral("60"));
+  EXPECT_EQ(f("tr")->text().remove(QLatin1Char('-')), QStringLiteral("180"));
+  EXPECT_EQ(f("ty")->text().remove(QLatin1Char('-')), QStringLiteral("180"));
+}
+
+struct TrackingCase {
+  const char* item;
+  bool centerOfMass, body;
+  bool bodyFieldEnabled, distanceEnabled;
+};
+
+class TrackingMode : public ViewPalette, public testing::WithParamInterface<TrackingCase> {};
+
+TEST_P(TrackingMode, SetsTheFlagsAndEnablesTheFieldsThatApply) {
+  view.trackBody = true;  // a mode other than each case's, to be changed
+  show();
+  chooseItem(popUp(win, "type"), "viewuserdefined");
+  chooseItem(popUp(win, "type"), GetParam().item);
+  EXPECT_EQ(view.trackCenterOfMass, GetParam().centerOfMass);
+  EXPECT_EQ(view.trackBody, GetParam().body);
+  EXPECT_EQ(f("bodytotrack")->isEnabled(), GetParam().bodyFieldEnabled);
+  EXPECT_EQ(f("autodistance")->isEnabled(), GetParam().distanceEnabled);
+  EXPECT_EQ(selectedItem(popUp(win, "type")), GetParam().item);
+}
+
+INSTANTIATE_TEST_SUITE_P(Items, TrackingMode,
+                         testing::Values(TrackingCase{"viewuserdefined", false, false, false,
+                                                      false},
+                                         TrackingCase{"viewtrackcom", true, false, false, true},
+                                         TrackingCase{"viewtrackbody", false, true, true, true}),
+                         [](const auto& p) { return std::string(p.param.item); });
+
+TEST_F(ViewPalette, BothTrackingFlagsShowTrackBody) {
+  view.trackBody = true;
+  view.trackCenterOfMass = true;
+  palette.becomeVisible();
+  EXPECT_EQ(selectedItem(popUp(win, "type")), "viewtrackbody");
+}
+
+TEST_F(ViewPalette, TrackedBodyIsChosenByNameAndAnUnknownNameChangesNothing) {
+  Body* earth = host.w.createBody();
+  copyName(earth->name, "Earth");
+  Body* mars = host.w.createBody();
+  copyName(mars->name, "Mars");
+  view.trackBody = true;
+  view.trackBodyID = earth->id;
+  show();
+  EXPECT_EQ(f("bodytotrack")->text(), QStringLiteral("Earth"));
+
+  enter(f("bodytotrack"), QStringLiteral("Pluto"));
+  EXPECT_EQ(view.trackBodyID, earth->id);
+  EXPECT_EQ(f("bodytotrack")->text(), QStringLiteral("Earth"));
+
+  enter(f("bodytotrack"), QStringLiteral("Mars"));
+  EXPECT_EQ(view.trackBodyID, mars->id);
+
+  host.w.deleteBodyById(mars->id);
+  QTest::qWait(kSeveralTicksMs);
+  EXPECT_TRUE(f("bodytotrack")->text().isEmpty());
+}
+
+TEST_F(ViewPalette, RenamingTheViewRetitlesItsWindowAtOnce) {
+  show();
+  enter(f("name"), QStringLiteral("Top view"));
+  EXPECT_STREQ(view.name, "Top view");
+  EXPECT_EQ(viewWindow.windowTitle(), QStringLiteral("Top view"));
+}
+
+struct ViewFieldCase {
+  const char* field;
+  double (*value)(const View&);
+};
+
+class ViewFieldCommit : public ViewPalette, public testing::WithParamInterface<ViewFieldCase> {};
+
+TEST_P(ViewFieldCommit, StoresTheTypedNumberInItsField) {
+  view.trackCenterOfMass = true;  // the tracking distance is editable only while tracking
+  show();
+  enter(f(GetParam().field), QStringLiteral("-12.5"));
+  EXPECT_EQ(GetParam().value(view), -12.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fields, ViewFieldCommit,
+    testing::Values(ViewFieldCase{"cx", [](const View& v) { return v.cameraPosition.x; }},
+                    ViewFieldCase{"cy", [](const View& v) { return v.cameraPosition.y; }},
+                    ViewFieldCase{"cz", [](const View& v) { return v.cameraPosition.z; }},
+                    ViewFieldCase{"fx", [](const View& v) { return v.cameraFocus.x; }},
+                    ViewFieldCase{"fy", [](const View& v) { return v.cameraFocus.y; }},
+                    ViewFieldCase{"fz", [](const View& v) { return v.cameraFocus.z; }},
+                    ViewFieldCase{"gridspacing", [](const View& v) { return v.gridlineSpacing; }},
+                    ViewFieldCase{"autodistance",
+                                  [](const View& v) { return v.cameraAutodistance; }}),
+    [](const auto& p) { return std::string(p.param.field); });
+
+TEST_F(ViewPalette, PopUpsAndColourWellSetTheirFlagsAndColour) {
+  show();
+  chooseItem(popUp(win, "trackball"), "trackballfalse");
+  chooseItem(popUp(win, "gridenable"), "gridfalse");
+  chooseItem(popUp(win, "traceenable"), "tracefalse");
+  chooseItem(popUp(win, "vectors"), "vfalse");
+  EXPECT_FALSE(view.trackballEnabled);
+  EXPECT_FALSE(view.gridlineEnabled);
+  EXPECT_FALSE(view.showTraceLines);
+  EXPECT_FALSE(view.showVectors);
+
+  dialogs.color = QColor(255, 0, 51);
+  QTest::mouseClick(win->findChild<ColorWell*>(QStringLiteral("gridcolor")), Qt::LeftButton);
+  EXPECT_EQ(view.gridlineColor[0], 1.0f);
+  EXPECT_EQ(view.gridlineColor[1], 0.0f);
+  EXPECT_EQ(view.gridlineColor[2], 0.2f);
+}
+
+TEST_F(ViewPalette, DisablingEmptiesEveryControlAndNoViewLeavesThemAlone) {
+  show();
+  palette.setCEnabled(false);
+  host.view = nullptr;
+  QTest::qWait(kSeveralTicksMs);
+  int controls = 0;
+  for (QWidget* w : win->findChildren<QWidget*>()) {
+    if (auto* e = qobject_cast<QLineEdit*>(w)) {
+      EXPECT_TRUE(e->text().isEmpty()) << e->objectName().toStdString();
+    } else if (auto* p = qobject_cast<QComboBox*>(w)) {
+      EXPECT_EQ(p->currentIndex(), -1) << p->objectName().toStdString();
+    } else if (auto* c = qobject_cast<ColorWell*>(w)) {
+      EXPECT_FALSE(c->hasColor());
+    } else {
+      continue;
+    }
+    EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
+    ++controls;
+  }
+  EXPECT_EQ(controls, 19);
+
+  // A commit without a main view does nothing at all.
+  palette.setCEnabled(true);
+  enter(f("cx"), QStringLiteral("5"));
+  EXPECT_EQ(view.cameraPosition.x, 0.0);
+
+  host.view = &view;
+  palette.getValues();
+  EXPECT_EQ(f("cz")->text(), QStringLiteral("400"));
+}
+
+TEST_F(ViewPalette, ClosingWithTheCloseBoxSendsItsToggle) {
+  show();
+  ASSERT_TRUE(clickCloseBox(win));
+  ASSERT_EQ(host.toggles.size(), 2u);
+  EXPECT_EQ(host.toggles[1], &palette);
+  EXPECT_FALSE(visible);
+}
+
+class ViewBadInput : public ViewPalette, public testing::WithParamInterface<const char*> {};
+
+TEST_P(ViewBadInput, IsTakenWithoutHarm) {
+  show();
+  const QString text = QString::fromUtf8(GetParam());
+  for (const char* name : {"cx", "cy", "cz", "fx", "fy", "fz", "tr", "tp", "ty", "autodistance",
+                           "gridspacing", "bodytotrack", "name"})
+    enter(f(name), text);
+  EXPECT_EQ(std::signbit(view.cameraFocus.z), text == QStringLiteral("-0"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, ViewBadInput,
+                         testing::Values("letters", "", "1e400", "-0", "NaN", "1e-400"));
+
+TEST_F(ViewPalette, PictureInUse) {
+  Body* sun = host.w.createBody();
+  copyName(sun->name, "Sun");
+  view.trackBody = true;
+  view.trackBodyID = sun->id;
+  view.cameraPosition = Vector::of(120, -40, 380);
+  view.trackball->rotation.setRollPitchYaw(0.5, 0.25, -0.1);
+  view.gridlineColor[2] = 0.6f;
+  show();
+  typeInto(f("gridspacing"), QStringLiteral("50"));
+  screenshot(win, "view_palette");
+  EXPECT_EQ(f("bodytotrack")->text(), QStringLiteral("Sun"));
+}
+
+}  // namespace
