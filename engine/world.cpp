@@ -1,6 +1,7 @@
 #include "world.h"
 
 #include <cstring>
+#include <limits>
 
 #include "position_point.h"
 
@@ -35,7 +36,11 @@ Body* World::createBody() {
   auto* body = new Body(nextBodyId - kFirstBodyId);
   bodies->append(new ListNode(body));
   body->id = nextBodyId;
-  ++nextBodyId;
+  // The counter stops at the largest identifier rather than wrap; a world
+  // that has used up every identifier gives that one again.
+  if (nextBodyId < std::numeric_limits<int32_t>::max()) {
+    ++nextBodyId;
+  }
   return body;
 }
 

@@ -45,6 +45,13 @@ TEST(World, IdentifiersCountUpAndAreNeverReused) {
   EXPECT_EQ(world.createBody()->id, 100);
 }
 
+TEST(World, IdentifierCounterStopsAtTheLargestIdentifier) {
+  World world;
+  world.nextBodyId = 2147483647;
+  EXPECT_EQ(world.createBody()->id, 2147483647);
+  EXPECT_EQ(world.nextBodyId, 2147483647);
+}
+
 TEST(World, LookupsFindTheFirstMatchOrNothing) {
   World world;
   Body* a = world.createBody();
