@@ -9,7 +9,7 @@ packages=(
   clang libclang-rt-14-dev
   qt6-base-dev libqt6opengl6-dev qt6-image-formats-plugins
   libgl1-mesa-dri libglu1-mesa-dev
-  xvfb xauth
+  xvfb xauth fonts-dejavu-core
   libxcb1-dev
 )
 
@@ -30,4 +30,4 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 echo "Installing: ${missing[*]}"
 $sudo apt-get update -qq
-DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"
