@@ -48,17 +48,23 @@ std::optional<qsizetype> firstInvalidUtf8(const QByteArray& bytes) {
   return std::nullopt;
 }
 
+// True when the XML declaration names an encoding other than UTF-8.
+bool namesOtherEncoding(const QByteArray& xml) {
+  const qsizetype declarationEnd = xml.startsWith("<?xml") ? xml.indexOf("?>") : -1;
+  if (declarationEnd <= 0) {
+    return false;
+  }
+  const QByteArray declaration = xml.left(declarationEnd).toLower();
+  const qsizetype e = declaration.indexOf("encoding");
+  return e >= 0 && !declaration.mid(e).contains("utf-8");
+}
+
 // Where the first invalid UTF-8 byte is, when the document is meant to be
 // UTF-8 (it names no other encoding) and is not. The XML reader finds such
 // bytes too, but reports them at the position of its decoding buffer.
 std::optional<QString> utf8Problem(const QByteArray& xml) {
-  const qsizetype declarationEnd = xml.startsWith("<?xml") ? xml.indexOf("?>") : -1;
-  if (declarationEnd > 0) {
-    const QByteArray declaration = xml.left(declarationEnd).toLower();
-    const qsizetype e = declaration.indexOf("encoding");
-    if (e >= 0 && !declaration.mid(e).contains("utf-8")) {
-      return std::nullopt;
-    }
+  if (namesOtherEncoding(xml)) {
+    return std::nullopt;
   }
   const std::optional<qsizetype> bad = firstInvalidUtf8(xml);
   if (!bad) {
@@ -75,7 +81,16 @@ std::optional<QString> utf8Problem(const QByteArray& xml) {
 
 class Reader {
  public:
-  explicit Reader(const QByteArray& xml) : bytes_(xml), xml_(xml) {}
+  // A UTF-8 document is decoded in one pass before parsing, which is faster
+  // than the stream reader's piecewise decoding; any other is handed over as
+  // bytes, for the reader to decode as its declaration says.
+  explicit Reader(const QByteArray& xml) : bytes_(xml) {
+    if (!namesOtherEncoding(xml) && !firstInvalidUtf8(xml)) {
+      xml_.addData(QString::fromUtf8(xml));
+    } else {
+      xml_.addData(xml);
+    }
+  }
 
   PlistReadResult read() {
     std::optional<PlistValue> root = readDocument();
@@ -321,7 +336,10 @@ class Reader {
   QString message() const {
     const QString where =
         QStringLiteral("line %1, column %2").arg(xml_.lineNumber()).arg(xml_.columnNumber());
-    if (xml_.error() == QXmlStreamReader::CustomError) {
+    // An element where text belongs is well-formed XML but not a property
+    // list, as are the reader's own complaints.
+    if (xml_.error() == QXmlStreamReader::CustomError ||
+        xml_.error() == QXmlStreamReader::UnexpectedElementError) {
       const QString kind = notPlist_ ? QStringLiteral("not a property list")
                                      : QStringLiteral("not a valid property list");
       return QStringLiteral("%1: %2 (%3)").arg(kind, xml_.errorString(), where);

@@ -18,10 +18,10 @@ struct PlistReadResult {
 inline constexpr int kMaxPlistDepth = 256;
 
 // Files larger than this are refused before they are read. A datafile of
-// 10,000 bodies takes under 2 MB; the bound keeps a runaway file from taking
-// all memory, and a world anywhere near it could not be stepped anyway (the
-// force pass is quadratic in the number of bodies).
-inline constexpr qint64 kMaxPlistFileSize = qint64{32} * 1024 * 1024;
+// 10,000 bodies takes about 8 MB; the bound keeps a runaway file from taking
+// all memory, and a world of the 80,000 bodies it allows is already far too
+// large to step (the force pass is quadratic in the number of bodies).
+inline constexpr qint64 kMaxPlistFileSize = qint64{64} * 1024 * 1024;
 
 // Reads an XML property list (the root element plist holding one value).
 // Comments, processing instructions, CDATA sections and a DOCTYPE are

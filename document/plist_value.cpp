@@ -294,7 +294,7 @@ bool PlistValue::operator==(const PlistValue& other) const {
       storage_);
 }
 
-std::optional<std::size_t> PlistDict::indexOf(QStringView key) const {
+std::optional<std::size_t> PlistDict::indexOf(QAnyStringView key) const {
   if (entries_.size() > kIndexThreshold) {
     const auto it = index_.constFind(key.toString());
     if (it == index_.constEnd()) {
@@ -303,7 +303,7 @@ std::optional<std::size_t> PlistDict::indexOf(QStringView key) const {
     return *it;
   }
   for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (entries_[i].key == key) {
+    if (QAnyStringView::equal(entries_[i].key, key)) {
       return i;
     }
   }
@@ -325,7 +325,7 @@ void PlistDict::insert(const QString& key, PlistValue value) {
   }
 }
 
-const PlistValue* PlistDict::find(QStringView key) const {
+const PlistValue* PlistDict::find(QAnyStringView key) const {
   const auto i = indexOf(key);
   return i ? &entries_[*i].value : nullptr;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAnyStringView>
 #include <QByteArray>
 #include <QHash>
 #include <QString>
@@ -77,6 +78,10 @@ class PlistValue {
 struct PlistEntry {
   QString key;
   PlistValue value;
+
+  bool operator==(const PlistEntry& other) const {
+    return key == other.key && value == other.value;
+  }
 };
 
 // A dictionary that keeps its entries in insertion order, which is the order
@@ -85,7 +90,7 @@ struct PlistEntry {
 class PlistDict {
  public:
   void insert(const QString& key, PlistValue value);
-  const PlistValue* find(QStringView key) const;
+  const PlistValue* find(QAnyStringView key) const;
   const std::vector<PlistEntry>& entries() const { return entries_; }
   std::size_t size() const { return entries_.size(); }
   bool empty() const { return entries_.empty(); }
@@ -93,17 +98,13 @@ class PlistDict {
   bool operator==(const PlistDict& other) const { return entries_ == other.entries_; }
 
  private:
-  std::optional<std::size_t> indexOf(QStringView key) const;
+  std::optional<std::size_t> indexOf(QAnyStringView key) const;
 
   std::vector<PlistEntry> entries_;
   // Built only for large dictionaries (a "Bodies" section), where a linear
   // search per insertion would make reading quadratic in the number of bodies.
   QHash<QString, std::size_t> index_;
 };
-
-inline bool operator==(const PlistEntry& a, const PlistEntry& b) {
-  return a.key == b.key && a.value == b.value;
-}
 
 // The integer of the leading decimal digits of a text, after optional blanks
 // and a sign ("  +12abc" gives 12); nothing when there are no digits.

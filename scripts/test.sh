@@ -37,4 +37,14 @@ export LSAN_OPTIONS="suppressions=$root/tests/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 run_ctest build/asan
 
+echo "== fuzzing the datafile reader and loader (clang, libFuzzer + ASan)"
+# A short bounded run on every test: the examples are the seeds, new inputs go
+# to a scratch corpus in the build tree, and any crash fails the run.
+CC=clang CXX=clang++ cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DORRENVALE_WERROR=ON -DORRENVALE_FUZZ=ON -DORRENVALE_BUILD_TESTS=OFF -DORRENVALE_BUILD_BENCHMARKS=OFF
+cmake --build build/fuzz -j "$jobs" --target document_fuzz
+mkdir -p build/fuzz/corpus
+build/fuzz/tests/fuzz/document_fuzz -dict=tests/fuzz/plist.dict -max_total_time=20 -timeout=10 \
+  -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix=build/fuzz/ build/fuzz/corpus examples
+
 echo "== all tests passed"

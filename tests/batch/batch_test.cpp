@@ -1,0 +1,241 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "batch/progress_bar.h"
+
+namespace {
+
+struct BatchRun {
+  int exitCode = -1;
+  QString out;
+  QString err;
+};
+
+BatchRun runBatch(const QStringList& args) {
+  QProcess process;
+  process.start(QStringLiteral(ORRENVALE_BATCH), args);
+  // Generous: the slowest case reads 32 MB under the sanitizers.
+  process.waitForFinished(120000);
+  return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+          QString::fromUtf8(process.readAllStandardOutput()),
+          QString::fromUtf8(process.readAllStandardError())};
+}
+
+const QByteArray kOneBody = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+  <key>Time step</key><real>0.5</real>
+  <key>Bodies</key><dict><key>100</key><dict>
+    <key>Body name</key><string>Earth</string>
+    <key>Position X</key><real>1</real>
+    <key>Position Y</key><real>1.5</real>
+    <key>Position Z</key><real>3</real>
+    <key>Velocity Y</key><real>1</real>
+  </dict></dict>
+  <key>Views</key><dict><key>0</key><dict><key>View name</key><string>Side</string>
+    <key>Camera position Z</key><real>12.5</real></dict></dict>
+</dict></plist>
+)";
+
+class Batch : public ::testing::Test {
+ protected:
+  QString write(const QString& name, const QByteArray& content) {
+    const QString path = dir_.filePath(name);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+    return path;
+  }
+  QString path(const QString& name) const { return dir_.filePath(name); }
+
+  QTemporaryDir dir_;
+};
+
+TEST_F(Batch, LogOfOneStepOfOneBodyIsTheDocumentedLine) {
+  const BatchRun run =
+      runBatch({QStringLiteral("--log"), QStringLiteral("-"), write("one.ovd", kOneBody)});
+  EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+  EXPECT_EQ(run.out.toStdString(),
+            "0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t0.000000\t"
+            "0.000000\t0.000000\t0.000000\n");
+}
+
+TEST_F(Batch, LogFileGetsOneLinePerStepAndExactRealsOnRequest) {
+  const BatchRun run =
+      runBatch({QStringLiteral("-n"), QStringLiteral("10"), QStringLiteral("--exact"),
+                QStringLiteral("--log=") + path("log.txt"), write("one.ovd", kOneBody)});
+  EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+  QFile log(path("log.txt"));
+  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+  const QList<QByteArray> lines = log.readAll().split('\n');
+  ASSERT_EQ(lines.size(), 11);  // ten lines and the empty rest after the last newline
+  EXPECT_TRUE(lines[9].startsWith("5\tEarth\t1\t6.5\t3\t0\t1\t0\t0\t0\t0"))
+      << lines[9].toStdString();
+}
+
+TEST_F(Batch, SaveWritesTheSteppedWorldAndCarriesTheViews) {
+  const BatchRun run =
+      runBatch({QStringLiteral("--steps"), QStringLiteral("2"), QStringLiteral("--save"),
+                path("out.ovd"), write("one.ovd", kOneBody)});
+  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+  const BatchRun again =
+      runBatch({QStringLiteral("-n0"), QStringLiteral("--summary"), path("out.ovd")});
+  ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
+  EXPECT_TRUE(again.out.contains(QStringLiteral("centerOfMass\t1\t2.5\t3\n")))
+      << again.out.toStdString();
+  QFile saved(path("out.ovd"));
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  const QByteArray xml = saved.readAll();
+  EXPECT_TRUE(xml.contains("<string>Side</string>"));
+  EXPECT_TRUE(xml.contains("<real>12.5</real>"));
+}
+
+TEST_F(Batch, SummaryListsTheStateInTabSeparatedLines) {
+  const BatchRun run = runBatch({QStringLiteral("--summary"), QStringLiteral("-n"),
+                                 QStringLiteral("4"), write("one.ovd", kOneBody)});
+  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+  EXPECT_EQ(run.out.toStdString(),
+            "steps\t4\nelapsedTime\t2\nbodies\t1\nenergy\t0.5\nmomentum\t0\t1\t0\n"
+            "centerOfMass\t1\t3.5\t3\n");
+}
+
+TEST_F(Batch, ProgressIsReportedOnStandardError) {
+  const BatchRun run = runBatch({QStringLiteral("--progress"), QStringLiteral("-n"),
+                                 QStringLiteral("50"), write("one.ovd", kOneBody)});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_TRUE(run.err.contains(QStringLiteral("50/50 steps"))) << run.err.toStdString();
+  EXPECT_TRUE(run.out.isEmpty());
+}
+
+TEST_F(Batch, NoProgressWhenStandardErrorIsNotATerminal) {
+  const BatchRun run =
+      runBatch({QStringLiteral("-n"), QStringLiteral("50"), write("one.ovd", kOneBody)});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_TRUE(run.err.isEmpty()) << run.err.toStdString();
+}
+
+TEST_F(Batch, UnwritableLogOrSaveFileFailsWithItsName) {
+  const QString world = write("one.ovd", kOneBody);
+  const QString target = path("no-such-folder/out");
+  for (const char* option : {"--log", "--save"}) {
+    const BatchRun run = runBatch({QLatin1String(option), target, world});
+    EXPECT_EQ(run.exitCode, 1) << option;
+    EXPECT_TRUE(
+        run.err.startsWith(QStringLiteral("orrenvale-batch: ") + target + ": cannot be written"))
+        << run.err.toStdString();
+  }
+}
+
+struct BadFile {
+  const char* name;
+  QByteArray content;
+  const char* reason;
+};
+
+class BatchBadFiles : public Batch, public ::testing::WithParamInterface<BadFile> {};
+
+TEST_P(BatchBadFiles, ExitWithOneAndOneLineNamingFileAndReason) {
+  const QString file = write(QStringLiteral("bad.ovd"), GetParam().content);
+  const BatchRun run = runBatch({file});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_TRUE(run.err.startsWith(QStringLiteral("orrenvale-batch: ") + file + ": " +
+                                 QLatin1String(GetParam().reason)))
+      << run.err.toStdString();
+  EXPECT_EQ(run.err.count(u'\n'), 1);
+  EXPECT_TRUE(run.out.isEmpty());
+}
+
+QByteArray deeplyNested() {
+  return "<plist><dict><key>Bodies</key>" + QByteArray("<dict><key>a</key>").repeated(10000) +
+         "<true/>" + QByteArray("</dict>").repeated(10001) + "</plist>";
+}
+
+QByteArray hundredMegabytesOfBodies() {
+  const QByteArray body = "<key>100</key><dict><key>Mass</key><real>1</real></dict>\n";
+  return "<plist><dict><key>Bodies</key><dict>" + body.repeated(100 * 1024 * 1024 / body.size()) +
+         "</dict></dict></plist>";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Batch, BatchBadFiles,
+    ::testing::Values(
+        BadFile{"Empty", "", "not valid XML: the document ends too early"},
+        BadFile{"Truncated", kOneBody.left(200), "not valid XML: the document ends too early"},
+        BadFile{"BinaryGarbage", QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), "not valid XML"},
+        BadFile{"NotXml", "Time step = 0.1\n", "not valid XML"},
+        BadFile{"WrongRoot", "<?xml version=\"1.0\"?><world/>", "not a property list"},
+        BadFile{"RootNotADictionary", "<plist><array/></plist>", "not a datafile"},
+        BadFile{"NestedTenThousandLevels", deeplyNested(),
+                "not a valid property list: values are nested"},
+        BadFile{"HundredMegabytes", hundredMegabytesOfBodies(), "too large"},
+        BadFile{"InvalidUtf8InName", QByteArray(kOneBody).replace("Earth", "Ea\xc3\x28rth"),
+                "not valid XML: the text is not UTF-8 (byte 0xc3 at line 5"}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+TEST_F(Batch, MissingFileAndFolderAreNamed) {
+  for (const auto& [file, reason] :
+       {std::pair{path("absent.ovd"), "no such file"}, std::pair{dir_.path(), "is a directory"}}) {
+    const BatchRun run = runBatch({file});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err,
+              QStringLiteral("orrenvale-batch: %1: %2\n").arg(file, QLatin1String(reason)));
+  }
+}
+
+struct Usage {
+  const char* name;
+  QStringList args;
+  const char* message;
+};
+
+class BatchUsage : public ::testing::TestWithParam<Usage> {};
+
+TEST_P(BatchUsage, ErrorsExitWithTwoAndShowTheUsage) {
+  const BatchRun run = runBatch(GetParam().args);
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_TRUE(
+      run.err.startsWith(QStringLiteral("orrenvale-batch: ") + QLatin1String(GetParam().message)))
+      << run.err.toStdString();
+  EXPECT_TRUE(run.err.contains(QStringLiteral("Usage: orrenvale-batch [OPTIONS] WORLD.ovd")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Batch, BatchUsage,
+    ::testing::Values(
+        Usage{"NoWorld", {}, "no world file given"},
+        Usage{"TwoWorlds", {"a.ovd", "b.ovd"}, "more than one world file given"},
+        Usage{"UnknownOption", {"--fast", "a.ovd"}, "unknown option '--fast'"},
+        Usage{"StepsMissing", {"a.ovd", "-n"}, "option '-n' needs a number"},
+        Usage{"StepsNegative", {"-n", "-3", "a.ovd"}, "'-3' is not a number of steps"},
+        Usage{"StepsNotANumber", {"--steps=ten", "a.ovd"}, "'ten' is not a number"},
+        Usage{"LogWithoutFile", {"a.ovd", "--log"}, "option '--log' needs a file name"},
+        Usage{"FlagWithValue", {"--summary=yes", "a.ovd"}, "option '--summary' takes no value"}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+TEST(BatchInfo, HelpAndVersionGoToStandardOutput) {
+  const BatchRun help = runBatch({QStringLiteral("--help")});
+  EXPECT_EQ(help.exitCode, 0);
+  EXPECT_TRUE(help.out.startsWith(QStringLiteral("Usage: orrenvale-batch")));
+  const BatchRun version = runBatch({QStringLiteral("--version")});
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_TRUE(version.out.startsWith(QStringLiteral("orrenvale-batch ")));
+}
+
+TEST(ProgressBar, ShowsFractionRateAndTimeLeft) {
+  EXPECT_EQ(ProgressBar::render(250, 1000, 2.0),
+            "[#######-----------------------]  25%  250/1000 steps  125 steps/s  ETA 0:06");
+  EXPECT_EQ(ProgressBar::render(1000, 1000, 4000.0),
+            "[##############################] 100%  1000/1000 steps  0 steps/s  ETA 0:00");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QCoreApplication app(argc, argv);
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,427 @@
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <bit>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "document/plist_reader.h"
+#include "document/plist_writer.h"
+#include "document/world_document.h"
+
+namespace {
+
+const DocumentSections kAll{};
+
+std::vector<Body*> bodiesOf(const World& world) {
+  std::vector<Body*> list;
+  forEachItem<Body>(*world.bodies, [&](Body& b) { list.push_back(&b); });
+  return list;
+}
+
+PlistDict readDict(const QByteArray& xml) {
+  PlistReadResult read = readPlist(xml);
+  EXPECT_TRUE(read.value) << read.error.toStdString();
+  return read.value && read.value->dict() ? *read.value->dict() : PlistDict();
+}
+
+QByteArray rootWith(const QByteArray& entries) {
+  return "<plist version=\"1.0\"><dict>" + entries + "</dict></plist>";
+}
+
+QStringList keysOf(const PlistDict& dict) {
+  QStringList keys;
+  for (const PlistEntry& e : dict.entries()) {
+    keys << e.key;
+  }
+  return keys;
+}
+
+uint64_t bits(double d) {
+  return std::bit_cast<uint64_t>(d);
+}
+
+// A world that uses every field the datafile holds, with values that do not
+// survive a careless decimal rendering.
+void buildRichWorld(World& world) {
+  world.timeStep = 1.0 / 3.0;
+  world.adaptive = true;
+  world.gravitationalConstant = 39.47841760435743;
+  world.merge = false;
+  world.restitution = 0.7000000000000001;
+  world.millisecondsPerUpdate = 16.666666f;
+  world.traceHistoryPoints = 1234;
+  world.setName("Système solaire intérieur");
+  for (int i = 0; i < 5; ++i) {
+    Body* b = world.createBody();
+    b->position = Vector::of(0.1 * i, -1e-300, 6.02214076e23);
+    b->velocity = Vector::of(std::nextafter(1.0, 2.0), -0.0, 2.0 / 7.0);
+    b->mass = 3.0034896149157645e-06 * (i + 1);
+    b->radius = 0.015 + i;
+    b->color[0] = 0.1f;
+    b->color[1] = 1.0f / 3.0f;
+    b->color[2] = 0.999f;
+    b->traceEnable = i % 2 == 0;
+    b->showVectors = i % 2 == 1;
+  }
+  copyName(bodiesOf(world)[0]->name, "Sun with spaces");
+  copyName(bodiesOf(world)[1]->name, "Мерку́рий ☿");
+  // Deleting 102 and 103 leaves 100, 101, 104.
+  world.deleteBodyById(102);
+  world.deleteBodyById(103);
+}
+
+TEST(WorldDocument, WriteThenReadPreservesEveryValueBitForBit) {
+  World original;
+  buildRichWorld(original);
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("rich.ovd"));
+  ASSERT_TRUE(writePlistFile(path, PlistValue(saveWorldToDict(original, kAll))));
+
+  const DocumentReadResult read = readDocumentFile(path);
+  ASSERT_TRUE(read.dict) << read.error.toStdString();
+  World loaded;
+  loadToWorldFromDict(loaded, &*read.dict, kAll);
+
+  EXPECT_EQ(bits(loaded.timeStep), bits(original.timeStep));
+  EXPECT_EQ(loaded.adaptive, true);
+  EXPECT_EQ(bits(loaded.gravitationalConstant), bits(original.gravitationalConstant));
+  EXPECT_EQ(loaded.merge, false);
+  EXPECT_EQ(bits(loaded.restitution), bits(original.restitution));
+  EXPECT_EQ(std::bit_cast<uint32_t>(loaded.millisecondsPerUpdate),
+            std::bit_cast<uint32_t>(original.millisecondsPerUpdate));
+  EXPECT_EQ(loaded.traceHistoryPoints, 1234);
+  EXPECT_STREQ(loaded.name, original.name);
+
+  const auto before = bodiesOf(original);
+  const auto after = bodiesOf(loaded);
+  ASSERT_EQ(after.size(), 3u);
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    SCOPED_TRACE(i);
+    const Body& a = *before[i];
+    const Body& b = *after[i];
+    EXPECT_EQ(b.id, a.id);
+    for (auto [x, y] : {std::pair{a.position.x, b.position.x},
+                        {a.position.y, b.position.y},
+                        {a.position.z, b.position.z},
+                        {a.velocity.x, b.velocity.x},
+                        {a.velocity.y, b.velocity.y},
+                        {a.velocity.z, b.velocity.z},
+                        {a.mass, b.mass},
+                        {a.radius, b.radius}}) {
+      EXPECT_EQ(bits(y), bits(x));
+    }
+    EXPECT_EQ(0, std::memcmp(a.color, b.color, sizeof a.color));
+    EXPECT_EQ(b.traceEnable, a.traceEnable);
+    EXPECT_EQ(b.showVectors, a.showVectors);
+    EXPECT_STREQ(b.name, a.name);
+  }
+  EXPECT_EQ(after[2]->id, 104);
+  EXPECT_EQ(loaded.createBody()->id, 105);
+}
+
+TEST(WorldDocument, BodiesAreWrittenUnderTheirIdentifiersInListOrder) {
+  World world;
+  buildRichWorld(world);
+  const PlistDict dict = saveWorldToDict(world, {.bodies = true, .views = false, .sim = false});
+  EXPECT_EQ(keysOf(dict), QStringList{QStringLiteral("Bodies")});
+  EXPECT_EQ(keysOf(*dict.find(kBodiesKey)->dict()),
+            (QStringList{QStringLiteral("100"), QStringLiteral("101"), QStringLiteral("104")}));
+}
+
+TEST(WorldDocument, InactiveBodiesAreNotWritten) {
+  World world;
+  world.createBody();
+  world.createBody()->active = false;
+  const PlistDict dict = saveWorldToDict(world, kAll);
+  EXPECT_EQ(keysOf(*dict.find(kBodiesKey)->dict()), QStringList{QStringLiteral("100")});
+}
+
+struct SectionCase {
+  const char* name;
+  DocumentSections sections;
+  QStringList keys;
+};
+
+class WorldDocumentSections : public ::testing::TestWithParam<SectionCase> {};
+
+TEST_P(WorldDocumentSections, SavingWritesExactlyTheSelectedKeys) {
+  World world;
+  world.createBody();
+  const PlistValue views(PlistDict{});
+  EXPECT_EQ(keysOf(saveWorldToDict(world, GetParam().sections, &views)), GetParam().keys);
+}
+
+const QStringList kSimKeys = {QStringLiteral("Time step"),
+                              QStringLiteral("Adaptive time stepping"),
+                              QStringLiteral("Gravitational constant"),
+                              QStringLiteral("Collision model"),
+                              QStringLiteral("Coefficient of restitution"),
+                              QStringLiteral("Milliseconds per update"),
+                              QStringLiteral("World name"),
+                              QStringLiteral("Trace history points")};
+
+INSTANTIATE_TEST_SUITE_P(
+    WorldDocument, WorldDocumentSections,
+    ::testing::Values(
+        SectionCase{"SimOnly", {.bodies = false, .views = false, .sim = true}, kSimKeys},
+        SectionCase{"BodiesOnly", {.bodies = true, .views = false, .sim = false}, {"Bodies"}},
+        SectionCase{"ViewsOnly", {.bodies = false, .views = true, .sim = false}, {"Views"}},
+        SectionCase{"Nothing", {.bodies = false, .views = false, .sim = false}, {}},
+        SectionCase{"All", {}, kSimKeys + QStringList{"Bodies", "Views"}}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+TEST(WorldDocument, HandWrittenFileWithShuffledKeysCommentsAndCdataLoads) {
+  const QByteArray xml = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!-- Written by hand: keys in no particular order, comments everywhere. -->
+<plist version="1.0">
+  <dict>
+    <key>Bodies</key>
+    <dict>
+      <!-- the moon first -->
+      <key>101</key>
+      <dict>
+        <key>Velocity Y</key>   <real>-0.5</real>
+        <key>Body name</key>    <string><![CDATA[Moon <small> & grey]]></string>
+        <key>Colour</key>       <string>unknown key, ignored</string>
+        <key>Position X</key>   <real>10</real>
+        <key>Mass</key>         <integer>2</integer>
+      </dict>
+      <key>100</key>
+      <dict>
+        <key>Body name</key><string>Planet</string>
+        <key>Mass</key><real>1000</real>
+        <key>Radius</key><real>3</real>
+        <key>Notes</key><array><string>nested</string><dict/></array>
+      </dict>
+    </dict>
+    <key>Gravitational constant</key>
+    <real>1</real>
+    <key>Author</key>
+    <string>someone</string>
+    <key>World name</key>
+    <string>Hand <!-- a comment inside -->made</string>
+    <key>Time step</key>
+    <real>0.001</real>
+  </dict>
+</plist>
+)";
+  const PlistDict dict = readDict(xml);
+  World world;
+  loadToWorldFromDict(world, &dict, kAll);
+  EXPECT_STREQ(world.name, "Hand made");
+  EXPECT_EQ(world.gravitationalConstant, 1.0);
+  EXPECT_EQ(world.timeStep, 0.001);
+  const auto bodies = bodiesOf(world);
+  ASSERT_EQ(bodies.size(), 2u);
+  EXPECT_EQ(bodies[0]->id, 101);
+  EXPECT_STREQ(bodies[0]->name, "Moon <small> & grey");
+  EXPECT_EQ(bodies[0]->position.x, 10.0);
+  EXPECT_EQ(bodies[0]->velocity.y, -0.5);
+  EXPECT_EQ(bodies[0]->mass, 2.0);
+  EXPECT_STREQ(bodies[1]->name, "Planet");
+  EXPECT_EQ(bodies[1]->radius, 3.0);
+  EXPECT_EQ(world.nextBodyId, 102);
+}
+
+TEST(WorldDocument, LowIdentifiersLeaveTheCounterAtItsFloor) {
+  World world;
+  const PlistDict dict =
+      readDict(rootWith("<key>Bodies</key><dict><key>5</key><dict/><key>7</key><dict/></dict>"));
+  loadToWorldFromDict(world, &dict, kAll);
+  ASSERT_EQ(world.bodies->count(), 2);
+  EXPECT_EQ(bodiesOf(world)[1]->id, 7);
+  EXPECT_EQ(world.nextBodyId, 100);
+}
+
+TEST(WorldDocument, IdentifierIsTheLeadingIntegerOfTheKey) {
+  World world;
+  const PlistDict dict =
+      readDict(rootWith("<key>Bodies</key><dict><key> +12abc</key><dict/><key>none</key><dict/>"
+                        "<key>250</key><dict/></dict>"));
+  loadToWorldFromDict(world, &dict, kAll);
+  const auto bodies = bodiesOf(world);
+  ASSERT_EQ(bodies.size(), 3u);
+  EXPECT_EQ(bodies[0]->id, 12);
+  EXPECT_EQ(bodies[1]->id, 0);
+  EXPECT_EQ(world.nextBodyId, 251);
+}
+
+TEST(WorldDocument, MissingKeysGiveResetValuesAndDefaultNames) {
+  World world;
+  buildRichWorld(world);
+  const PlistDict dict =
+      readDict(rootWith("<key>Bodies</key><dict><key>300</key><dict/>"
+                        "<key>301</key><dict><key>Mass</key><real>2</real>"
+                        "</dict></dict>"));
+  loadToWorldFromDict(world, &dict, kAll);
+  EXPECT_EQ(bits(world.timeStep), 0x3F847AE140000000u);
+  EXPECT_EQ(bits(world.gravitationalConstant), 0x3DD2576B00000000u);
+  EXPECT_EQ(world.restitution, 1.0);
+  EXPECT_FALSE(world.adaptive);
+  EXPECT_TRUE(world.merge);
+  EXPECT_EQ(world.millisecondsPerUpdate, 0.0f);
+  EXPECT_EQ(world.traceHistoryPoints, 20000);
+  EXPECT_STREQ(world.name, "Default world");
+  const auto bodies = bodiesOf(world);
+  ASSERT_EQ(bodies.size(), 2u);
+  EXPECT_STREQ(bodies[0]->name, "Body 0");
+  EXPECT_STREQ(bodies[1]->name, "Body 1");
+  EXPECT_EQ(bodies[0]->mass, 1.0);
+  EXPECT_EQ(bodies[1]->mass, 2.0);
+  EXPECT_EQ(bodies[0]->radius, 1.0);
+  EXPECT_EQ(bodies[0]->color[1], 0.5f);
+  EXPECT_FALSE(bodies[0]->traceEnable);
+  EXPECT_TRUE(bodies[0]->showVectors);
+}
+
+TEST(WorldDocument, UnselectedSectionsComeBackAtTheirResetState) {
+  World source;
+  buildRichWorld(source);
+  const PlistDict dict = saveWorldToDict(source, kAll);
+
+  World world;
+  buildRichWorld(world);
+  int viewCalls = 0;
+  LoadHooks hooks;
+  hooks.loadViews = [&](const PlistValue&) { ++viewCalls; };
+  loadToWorldFromDict(world, &dict, {.bodies = true, .views = false, .sim = false}, hooks);
+  EXPECT_EQ(world.bodies->count(), 3);
+  EXPECT_EQ(bits(world.timeStep), bits(World::kDefaultTimeStep));
+  EXPECT_STREQ(world.name, "Default world");
+  EXPECT_EQ(viewCalls, 0);
+
+  loadToWorldFromDict(world, &dict, {.bodies = false, .views = false, .sim = true});
+  EXPECT_EQ(world.bodies->count(), 0);
+  EXPECT_EQ(world.nextBodyId, 100);
+  EXPECT_EQ(world.timeStep, 1.0 / 3.0);
+
+  loadToWorldFromDict(world, nullptr, kAll);
+  EXPECT_EQ(world.timeStep, World::kDefaultTimeStep);
+}
+
+TEST(WorldDocument, ViewsSectionReachesTheHookAndSavesBackUnchanged) {
+  const QByteArray views =
+      "<key>Views</key><dict><key>0</key><dict><key>Camera position Z</key><real>5</real>"
+      "<key>View name</key><string>Top</string><key>Extra</key><array><date>2001-01-01T00:00:00Z"
+      "</date><data>AAEC</data></array></dict></dict>";
+  const PlistDict dict = readDict(rootWith(views));
+  std::optional<PlistValue> received;
+  LoadHooks hooks;
+  hooks.loadViews = [&](const PlistValue& v) { received = v; };
+  World world;
+  loadToWorldFromDict(world, &dict, kAll, hooks);
+  ASSERT_TRUE(received);
+  EXPECT_EQ(*received, *dict.find(kViewsKey));
+
+  const PlistDict saved = saveWorldToDict(world, kAll, &*received);
+  const PlistDict reread = readDict(writePlist(PlistValue(saved)));
+  EXPECT_EQ(*reread.find(kViewsKey), *dict.find(kViewsKey));
+}
+
+TEST(WorldDocument, RenameHookReceivesTheStoredName) {
+  const PlistDict dict = readDict(rootWith(
+      "<key>Bodies</key><dict><key>100</key><dict><key>Body name</key><string>Mars</string>"
+      "</dict></dict>"));
+  std::vector<std::pair<int32_t, std::string>> renamed;
+  LoadHooks hooks;
+  hooks.renameBody = [&](Body& body, std::string_view name) {
+    renamed.emplace_back(body.id, std::string(name));
+    copyName(body.name, name);
+  };
+  World world;
+  loadToWorldFromDict(world, &dict, kAll, hooks);
+  ASSERT_EQ(renamed.size(), 1u);
+  EXPECT_EQ(renamed[0].first, 100);
+  EXPECT_EQ(renamed[0].second, "Mars");
+}
+
+TEST(WorldDocument, ValuesOfAnotherTypeGiveTheirValueOrLeaveTheDefault) {
+  const PlistDict dict = readDict(
+      rootWith("<key>Time step</key><string>0.25 years</string>"
+               "<key>Adaptive time stepping</key><integer>1</integer>"
+               "<key>Gravitational constant</key><dict/>"
+               "<key>Trace history points</key><real>99.9</real>"
+               "<key>World name</key><integer>42</integer>"
+               "<key>Collision model</key><string>No</string>"
+               "<key>Bodies</key><dict><key>100</key><dict>"
+               "<key>Mass</key><string>heavy</string><key>Radius</key><true/>"
+               "<key>Color R</key><integer>2</integer><key>Trace enable</key><string>yes</string>"
+               "<key>Show vectors</key><real>0</real></dict>"
+               "<key>101</key><string>not a body</string></dict>"));
+  World world;
+  loadToWorldFromDict(world, &dict, kAll);
+  EXPECT_EQ(world.timeStep, 0.25);
+  EXPECT_TRUE(world.adaptive);
+  EXPECT_EQ(world.gravitationalConstant, World::kDefaultGravitationalConstant);
+  EXPECT_EQ(world.traceHistoryPoints, 99);
+  EXPECT_STREQ(world.name, "42");
+  EXPECT_FALSE(world.merge);
+  ASSERT_EQ(world.bodies->count(), 1);
+  const Body& b = *bodiesOf(world)[0];
+  EXPECT_EQ(b.mass, 1.0);
+  EXPECT_EQ(b.radius, 1.0);
+  EXPECT_EQ(b.color[0], 2.0f);
+  EXPECT_TRUE(b.traceEnable);
+  EXPECT_FALSE(b.showVectors);
+}
+
+TEST(WorldDocument, LongNamesAreCutAtACharacterBoundary) {
+  // 200 two-byte characters: 400 bytes, cut to the 127 whole characters that
+  // fit in 254 bytes.
+  const QString longName = QString(200, QChar(0x00E9));
+  PlistDict body;
+  body.insert(QStringLiteral("Body name"), PlistValue::string(longName));
+  PlistDict bodies;
+  bodies.insert(QStringLiteral("100"), PlistValue(std::move(body)));
+  PlistDict root;
+  root.insert(kBodiesKey, PlistValue(std::move(bodies)));
+  root.insert(QStringLiteral("World name"), PlistValue::string(longName));
+  World world;
+  loadToWorldFromDict(world, &root, kAll);
+  EXPECT_EQ(QString::fromUtf8(bodiesOf(world)[0]->name), longName.left(127));
+  EXPECT_EQ(QString::fromUtf8(world.name), longName.left(127));
+}
+
+struct SpeedCase {
+  double stored;
+  float loaded;
+};
+
+class WorldDocumentSpeed : public ::testing::TestWithParam<SpeedCase> {};
+
+TEST_P(WorldDocumentSpeed, MillisecondsPerUpdateIsBoundedLikeTheClock) {
+  PlistDict root;
+  root.insert(QStringLiteral("Milliseconds per update"), PlistValue::real(GetParam().stored));
+  World world;
+  loadToWorldFromDict(world, &root, kAll);
+  EXPECT_EQ(world.millisecondsPerUpdate, GetParam().loaded);
+}
+
+INSTANTIATE_TEST_SUITE_P(WorldDocument, WorldDocumentSpeed,
+                         ::testing::Values(SpeedCase{0.0, 0.0f}, SpeedCase{0.005, 0.01f},
+                                           SpeedCase{-3.0, 0.01f}, SpeedCase{0.02, 0.02f},
+                                           SpeedCase{10.0, 10.0f}, SpeedCase{std::nan(""), 0.01f},
+                                           SpeedCase{1e300,
+                                                     std::numeric_limits<float>::infinity()}));
+
+TEST(WorldDocument, RootThatIsNotADictionaryIsNotADatafile) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("array.ovd"));
+  ASSERT_TRUE(writePlistFile(path, PlistValue(PlistArray{})));
+  const DocumentReadResult read = readDocumentFile(path);
+  EXPECT_FALSE(read.dict);
+  EXPECT_EQ(read.error,
+            QStringLiteral("not a datafile: the property list holds an array, not a dictionary"));
+}
+
+TEST(WorldDocument, SavingIntoAMissingFolderReportsTheReason) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("missing-dir/world.ovd"));
+  QString error;
+  EXPECT_FALSE(writePlistFile(path, PlistValue(PlistDict()), &error));
+  EXPECT_FALSE(error.isEmpty());
+}
+
+}  // namespace
