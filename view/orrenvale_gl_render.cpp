@@ -79,6 +79,13 @@ void OrrenvaleGL::render() {
 }
 
 void OrrenvaleGL::drawBodies(const World& world, bool selecting) const {
+  // The far half of a closed sphere is always hidden, and skipping it saves
+  // about a quarter of the frame under software rendering, where the sphere
+  // triangles bound the frame rate. Picking keeps both halves, so a hit still
+  // reaches to the back of each sphere.
+  if (!selecting) {
+    glEnable(GL_CULL_FACE);
+  }
   const int selected = v_->selectedBodyID;
   forEachItem<Body>(*world.bodies, [&](const Body& b) {
     glPushName(static_cast<GLuint>(b.id));
@@ -108,6 +115,7 @@ void OrrenvaleGL::drawBodies(const World& world, bool selecting) const {
     glPopMatrix();
     glPopName();
   });
+  glDisable(GL_CULL_FACE);
 }
 
 void OrrenvaleGL::drawGridLattice(const World& world) const {
