@@ -84,19 +84,13 @@ void BodyWindowController::getValues() {
   }
   setCEnabled(true);
   showText(name_, QString::fromUtf8(body->name));
-  showText(px_, formatReal(body->position.x));
-  showText(py_, formatReal(body->position.y));
-  showText(pz_, formatReal(body->position.z));
-  showText(vx_, formatReal(body->velocity.x));
-  showText(vy_, formatReal(body->velocity.y));
-  showText(vz_, formatReal(body->velocity.z));
-  showText(ax_, formatReal(body->acceleration.x));
-  showText(ay_, formatReal(body->acceleration.y));
-  showText(az_, formatReal(body->acceleration.z));
+  showVector(px_, py_, pz_, body->position);
+  showVector(vx_, vy_, vz_, body->velocity);
+  showVector(ax_, ay_, az_, body->acceleration);
   showText(mass_, formatReal(body->mass));
   showText(radius_, formatReal(body->radius));
-  selectItem(traceenable_, body->traceEnable ? "tracetrue" : "tracefalse");
-  selectItem(vectorenable_, body->showVectors ? "vectortrue" : "vectorfalse");
+  showFlag(traceenable_, body->traceEnable, "tracetrue", "tracefalse");
+  showFlag(vectorenable_, body->showVectors, "vectortrue", "vectorfalse");
   color_->setComponents(body->color);
 }
 
@@ -105,26 +99,11 @@ void BodyWindowController::setValues(QObject* sender) {
   if (host == nullptr || host->currentView() == nullptr) {
     return;
   }
-  if (Body* body = inspectedBody()) {
-    if (sender == px_) {
-      body->position.x = readReal(px_->text());
-    } else if (sender == py_) {
-      body->position.y = readReal(py_->text());
-    } else if (sender == pz_) {
-      body->position.z = readReal(pz_->text());
-    } else if (sender == vx_) {
-      body->velocity.x = readReal(vx_->text());
-    } else if (sender == vy_) {
-      body->velocity.y = readReal(vy_->text());
-    } else if (sender == vz_) {
-      body->velocity.z = readReal(vz_->text());
-    } else if (sender == ax_) {
-      body->acceleration.x = readReal(ax_->text());
-    } else if (sender == ay_) {
-      body->acceleration.y = readReal(ay_->text());
-    } else if (sender == az_) {
-      body->acceleration.z = readReal(az_->text());
-    } else if (sender == radius_) {
+  Body* body = inspectedBody();
+  if (body != nullptr && !readVectorComponent(sender, px_, py_, pz_, body->position) &&
+      !readVectorComponent(sender, vx_, vy_, vz_, body->velocity) &&
+      !readVectorComponent(sender, ax_, ay_, az_, body->acceleration)) {
+    if (sender == radius_) {
       body->radius = readReal(radius_->text());
     } else if (sender == mass_) {
       body->mass = readReal(mass_->text());
@@ -132,17 +111,9 @@ void BodyWindowController::setValues(QObject* sender) {
       const std::array<float, 3> rgb = color_->components();
       std::copy(rgb.begin(), rgb.end(), body->color);
     } else if (sender == traceenable_) {
-      if (itemSelected(traceenable_, "tracetrue")) {
-        body->traceEnable = true;
-      } else if (itemSelected(traceenable_, "tracefalse")) {
-        body->traceEnable = false;
-      }
+      readFlag(traceenable_, "tracetrue", "tracefalse", body->traceEnable);
     } else if (sender == vectorenable_) {
-      if (itemSelected(vectorenable_, "vectortrue")) {
-        body->showVectors = true;
-      } else if (itemSelected(vectorenable_, "vectorfalse")) {
-        body->showVectors = false;
-      }
+      readFlag(vectorenable_, "vectortrue", "vectorfalse", body->showVectors);
     } else if (sender == name_) {
       // The controller renames the body's Body-menu item and the body.
       host->worldRenameBody(body, name_->text().toStdString());

@@ -9,7 +9,9 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "engine/vector.h"
 #include "palettes/color_well.h"
+#include "palettes/number_text.h"
 #include "palettes/palette_window.h"
 
 namespace {
@@ -138,6 +140,22 @@ void PaletteController::showText(QLineEdit* field, const QString& text) {
   }
 }
 
+void PaletteController::showVector(QLineEdit* x, QLineEdit* y, QLineEdit* z, const Vector& v) {
+  showText(x, formatReal(v.x));
+  showText(y, formatReal(v.y));
+  showText(z, formatReal(v.z));
+}
+
+bool PaletteController::readVectorComponent(const QObject* sender, const QLineEdit* x,
+                                            const QLineEdit* y, const QLineEdit* z, Vector& v) {
+  double* component = sender == x ? &v.x : sender == y ? &v.y : sender == z ? &v.z : nullptr;
+  if (component == nullptr) {
+    return false;
+  }
+  *component = readReal(static_cast<const QLineEdit*>(sender)->text());
+  return true;
+}
+
 void PaletteController::showReadOnlyText(QLineEdit* field, const QString& text) {
   if (field->text() != text) {
     field->setText(text);
@@ -153,6 +171,20 @@ void PaletteController::selectItem(QComboBox* popUp, const char* itemName) {
 
 bool PaletteController::itemSelected(const QComboBox* popUp, const char* itemName) {
   return popUp->currentData().toString() == QLatin1String(itemName);
+}
+
+void PaletteController::showFlag(QComboBox* popUp, bool flag, const char* trueItem,
+                                 const char* falseItem) {
+  selectItem(popUp, flag ? trueItem : falseItem);
+}
+
+void PaletteController::readFlag(const QComboBox* popUp, const char* trueItem,
+                                 const char* falseItem, bool& flag) {
+  if (itemSelected(popUp, trueItem)) {
+    flag = true;
+  } else if (itemSelected(popUp, falseItem)) {
+    flag = false;
+  }
 }
 
 void PaletteController::setControlEnabled(QWidget* control, bool enabled) {

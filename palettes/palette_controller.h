@@ -7,6 +7,7 @@
 #include <utility>
 
 class ColorWell;
+class Vector;
 class PaletteWindow;
 class QComboBox;
 class QLineEdit;
@@ -72,8 +73,20 @@ class PaletteController : public QObject {
   static void showReadOnlyText(QLineEdit* field, const QString& text);
   static void selectItem(QComboBox* popUp, const char* itemName);
   static bool itemSelected(const QComboBox* popUp, const char* itemName);
+  // A pop-up that stands for a boolean: selects the true or the false item,
+  // and reads back true or false, leaving the flag alone when neither item
+  // is selected.
+  static void showFlag(QComboBox* popUp, bool flag, const char* trueItem, const char* falseItem);
+  static void readFlag(const QComboBox* popUp, const char* trueItem, const char* falseItem,
+                       bool& flag);
   // Disables a control; when disabling, also blanks what it shows.
   static void setControlEnabled(QWidget* control, bool enabled);
+
+  // The x, y and z fields of one vector: show it, or commit the one field
+  // that is the sender (true if it was one of them).
+  void showVector(QLineEdit* x, QLineEdit* y, QLineEdit* z, const Vector& v);
+  static bool readVectorComponent(const QObject* sender, const QLineEdit* x, const QLineEdit* y,
+                                  const QLineEdit* z, Vector& v);
 
   QLineEdit* selectedControl() const { return selectedControl_; }
   QVBoxLayout* windowLayout() const { return layout_; }

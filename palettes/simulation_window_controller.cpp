@@ -140,7 +140,7 @@ void SimulationWindowController::getValues() {
   showText(timestep_, formatReal(w.timeStep));
   showText(tracehistory_, formatInt(w.traceHistoryPoints));
 
-  selectItem(adaptive_, w.adaptive ? "adaptivetrue" : "adaptivefalse");
+  showFlag(adaptive_, w.adaptive, "adaptivetrue", "adaptivefalse");
   if (w.merge) {
     selectItem(collisiontype_, "collisioninelasticmerge");
   } else if (userSelectedOtherE_) {
@@ -181,11 +181,7 @@ void SimulationWindowController::setValues(QObject* sender) {
   } else if (sender == tracehistory_) {
     w.traceHistoryPoints = readInt(tracehistory_->text());
   } else if (sender == adaptive_) {
-    if (itemSelected(adaptive_, "adaptivefalse")) {
-      w.adaptive = false;
-    } else if (itemSelected(adaptive_, "adaptivetrue")) {
-      w.adaptive = true;
-    }
+    readFlag(adaptive_, "adaptivetrue", "adaptivefalse", w.adaptive);
   } else if (sender == collisiontype_) {
     commitCollisionModel();
   }

@@ -79,12 +79,8 @@ void ViewWindowController::getValues() {
   const QString name = QString::fromUtf8(v->name);
   showText(name_, name);
   showText(gridspacing_, formatReal(v->gridlineSpacing));
-  showText(cx_, formatReal(v->cameraPosition.x));
-  showText(cy_, formatReal(v->cameraPosition.y));
-  showText(cz_, formatReal(v->cameraPosition.z));
-  showText(fx_, formatReal(v->cameraFocus.x));
-  showText(fy_, formatReal(v->cameraFocus.y));
-  showText(fz_, formatReal(v->cameraFocus.z));
+  showVector(cx_, cy_, cz_, v->cameraPosition);
+  showVector(fx_, fy_, fz_, v->cameraFocus);
 
   const Vector rollPitchYaw = v->trackball->rotation.toRollPitchYaw();
   showText(tr_, formatReal(radToDeg(rollPitchYaw.x)));
@@ -92,10 +88,10 @@ void ViewWindowController::getValues() {
   showText(ty_, formatReal(radToDeg(rollPitchYaw.z)));
   showText(autodistance_, formatReal(v->cameraAutodistance));
 
-  selectItem(trackball_, v->trackballEnabled ? "trackballtrue" : "trackballfalse");
-  selectItem(gridenable_, v->gridlineEnabled ? "gridtrue" : "gridfalse");
-  selectItem(traceenable_, v->showTraceLines ? "tracetrue" : "tracefalse");
-  selectItem(vectors_, v->showVectors ? "vtrue" : "vfalse");
+  showFlag(trackball_, v->trackballEnabled, "trackballtrue", "trackballfalse");
+  showFlag(gridenable_, v->gridlineEnabled, "gridtrue", "gridfalse");
+  showFlag(traceenable_, v->showTraceLines, "tracetrue", "tracefalse");
+  showFlag(vectors_, v->showVectors, "vtrue", "vfalse");
   gridcolor_->setComponents(v->gridlineColor);
 
   if (QWidget* viewWindow = host->currentViewWindow()) {
@@ -130,72 +126,52 @@ void ViewWindowController::setValues(QObject* sender) {
   if (v == nullptr) {
     return;
   }
-  if (sender == cx_) {
-    v->cameraPosition.x = readReal(cx_->text());
-  } else if (sender == cy_) {
-    v->cameraPosition.y = readReal(cy_->text());
-  } else if (sender == cz_) {
-    v->cameraPosition.z = readReal(cz_->text());
-  } else if (sender == fx_) {
-    v->cameraFocus.x = readReal(fx_->text());
-  } else if (sender == fy_) {
-    v->cameraFocus.y = readReal(fy_->text());
-  } else if (sender == fz_) {
-    v->cameraFocus.z = readReal(fz_->text());
-  } else if (sender == trackball_) {
-    if (itemSelected(trackball_, "trackballtrue")) {
-      v->trackballEnabled = true;
-    } else if (itemSelected(trackball_, "trackballfalse")) {
-      v->trackballEnabled = false;
-    }
+  if (!readVectorComponent(sender, cx_, cy_, cz_, v->cameraPosition) &&
+      !readVectorComponent(sender, fx_, fy_, fz_, v->cameraFocus)) {
+    commitSetting(*v, sender);
+  }
+  getValues();
+}
+
+void ViewWindowController::commitSetting(View& v, QObject* sender) {
+  if (sender == trackball_) {
+    readFlag(trackball_, "trackballtrue", "trackballfalse", v.trackballEnabled);
   } else if (sender == tr_ || sender == tp_ || sender == ty_) {
     // The three angles make one orientation: any of them commits all three.
-    v->trackball->rotation.setRollPitchYaw(degToRad(readReal(tr_->text())),
-                                           degToRad(readReal(tp_->text())),
-                                           degToRad(readReal(ty_->text())));
+    v.trackball->rotation.setRollPitchYaw(degToRad(readReal(tr_->text())),
+                                          degToRad(readReal(tp_->text())),
+                                          degToRad(readReal(ty_->text())));
   } else if (sender == gridenable_) {
-    if (itemSelected(gridenable_, "gridtrue")) {
-      v->gridlineEnabled = true;
-    } else if (itemSelected(gridenable_, "gridfalse")) {
-      v->gridlineEnabled = false;
-    }
+    readFlag(gridenable_, "gridtrue", "gridfalse", v.gridlineEnabled);
   } else if (sender == traceenable_) {
-    if (itemSelected(traceenable_, "tracetrue")) {
-      v->showTraceLines = true;
-    } else if (itemSelected(traceenable_, "tracefalse")) {
-      v->showTraceLines = false;
-    }
+    readFlag(traceenable_, "tracetrue", "tracefalse", v.showTraceLines);
   } else if (sender == vectors_) {
-    if (itemSelected(vectors_, "vtrue")) {
-      v->showVectors = true;
-    } else if (itemSelected(vectors_, "vfalse")) {
-      v->showVectors = false;
-    }
+    readFlag(vectors_, "vtrue", "vfalse", v.showVectors);
   } else if (sender == gridspacing_) {
-    v->gridlineSpacing = readReal(gridspacing_->text());
+    v.gridlineSpacing = readReal(gridspacing_->text());
   } else if (sender == gridcolor_) {
     const std::array<float, 3> rgb = gridcolor_->components();
-    std::copy(rgb.begin(), rgb.end(), v->gridlineColor);
+    std::copy(rgb.begin(), rgb.end(), v.gridlineColor);
   } else if (sender == name_) {
-    copyName(v->name, name_->text().toStdString());
+    copyName(v.name, name_->text().toStdString());
   } else if (sender == type_) {
     if (itemSelected(type_, "viewtrackcom")) {
-      v->trackCenterOfMass = true;
-      v->trackBody = false;
+      v.trackCenterOfMass = true;
+      v.trackBody = false;
     } else if (itemSelected(type_, "viewuserdefined")) {
-      v->trackCenterOfMass = false;
-      v->trackBody = false;
+      v.trackCenterOfMass = false;
+      v.trackBody = false;
     } else if (itemSelected(type_, "viewtrackbody")) {
-      v->trackCenterOfMass = false;
-      v->trackBody = true;
+      v.trackCenterOfMass = false;
+      v.trackBody = true;
     }
   } else if (sender == bodytotrack_) {
     // An unknown name leaves the tracked body as it was.
-    if (const Body* body = host->world().findBodyByName(bodytotrack_->text().toStdString())) {
-      v->trackBodyID = body->id;
+    if (const Body* body =
+            paletteHost()->world().findBodyByName(bodytotrack_->text().toStdString())) {
+      v.trackBodyID = body->id;
     }
   } else if (sender == autodistance_) {
-    v->cameraAutodistance = readReal(autodistance_->text());
+    v.cameraAutodistance = readReal(autodistance_->text());
   }
-  getValues();
 }

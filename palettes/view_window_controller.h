@@ -28,6 +28,8 @@ class ViewWindowController : public PaletteController {
  private:
   void buildWindow();
   void showTrackingMode(const View& v);
+  // Commits every control other than the camera and focus vectors.
+  void commitSetting(View& v, QObject* sender);
 
   QLineEdit* name_ = nullptr;
   QLineEdit* cx_ = nullptr;
