@@ -1,0 +1,161 @@
+// The datafile state of the application and the commands that move it
+// between the program and files: open, save, export and print.
+#include <QAction>
+#include <QBuffer>
+#include <QImageWriter>
+#include <QMainWindow>
+#include <QSaveFile>
+#include <cmath>
+
+#include "controller.h"
+#include "document/plist_writer.h"
+#include "document/world_document.h"
+#include "engine/world.h"
+#include "orrenvale_gl_window_controller.h"
+#include "palettes/panels.h"
+#include "view/orrenvale_gl.h"
+#include "view/view.h"
+#include "view_state.h"
+
+namespace {
+
+// A window's drawing area in whole pixels: the stored size, kept between
+// one pixel and a size any screen can show.
+int windowExtent(float size) {
+  if (!(size >= 1.0f)) {
+    return 1;
+  }
+  return size > 16384.0f ? 16384 : static_cast<int>(size);
+}
+
+}  // namespace
+
+void Controller::saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool getViews,
+                                        bool getSim) {
+  stopSim();
+  std::optional<PlistValue> views;
+  if (getViews) {
+    // View windows are written oldest first, numbered from 0.
+    PlistDict section;
+    int counter = 0;
+    for (OrrenvaleGLWindowController* window : viewWindows_) {
+      section.insert(QString::number(counter),
+                     PlistValue(writeViewDict(*window->CGLview()->view())));
+      ++counter;
+    }
+    views = PlistValue(std::move(section));
+  }
+  dict =
+      saveWorldToDict(*w, DocumentSections{getBodies, getViews, getSim}, views ? &*views : nullptr);
+}
+
+void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodies, bool getViews,
+                                            bool getSim) {
+  resetSim();
+  LoadHooks hooks;
+  hooks.renameBody = [this](Body& body, std::string_view name) { worldRenameBody(&body, name); };
+  hooks.loadViews = [this](const PlistValue& value) {
+    const PlistDict* section = value.dict();
+    if (section == nullptr) {
+      return;
+    }
+    for (const PlistEntry& entry : section->entries()) {
+      OrrenvaleGLWindowController* window = newWindow();
+      View* v = window->CGLview()->view();
+      v->number = saturateToInt32(leadingInteger(entry.key).value_or(0));
+      ViewDictExtras extras;
+      if (const PlistDict* viewDict = entry.value.dict()) {
+        extras = applyViewDict(*v, *viewDict);
+      }
+      if (extras.name) {
+        setWindowTitleAndMinSize(window->window(), *extras.name);
+        copyName(v->name, extras.name->toStdString());
+      }
+      window->setContentSize(windowExtent(extras.width), windowExtent(extras.height));
+      v->trackball->setSize(extras.width, extras.height);
+      v->trackball->rotation.setRollPitchYaw(extras.roll, extras.pitch, extras.yaw);
+    }
+  };
+  loadToWorldFromDict(*w, dict, DocumentSections{getBodies, getViews, getSim}, hooks);
+}
+
+void Controller::openDocumentFromMenu(QObject* /*sender*/) {
+  const Panels::Answer answer = panels()->confirmSaveFirst(nullptr);
+  if (answer == Panels::Answer::Cancel) {
+    return;
+  }
+  if (answer == Panels::Answer::Save) {
+    saveDocumentFromMenu(nullptr);
+  }
+  const std::optional<Panels::OpenChoice> choice = panels()->runOpenPanel(nullptr);
+  if (!choice) {
+    return;
+  }
+  // A file that is not a readable property-list dictionary gives no
+  // dictionary; the load then resets everything and finds nothing.
+  const DocumentReadResult read = readDocumentFile(choice->path);
+  loadToCurrentStateFromDict(read.dict ? &*read.dict : nullptr, choice->bodies, choice->views,
+                             choice->simulation);
+  editCurrent(nullptr);
+}
+
+void Controller::saveDocumentFromMenu(QObject* /*sender*/) {
+  const std::optional<Panels::SaveChoice> choice = panels()->runSavePanel(nullptr);
+  if (!choice) {
+    return;
+  }
+  bool resumeDesign = false;
+  if (choice->stateIndex == 0) {
+    if (editing_) {
+      saveCurrentStateToDict(editState_, true, true, true);
+      resumeDesign = true;
+    }
+    const PlistDict design = editState_;
+    loadToCurrentStateFromDict(&design, true, true, true);
+  }
+  PlistDict dict;
+  saveCurrentStateToDict(dict, choice->bodies, choice->views, choice->simulation);
+  // A failed write is not reported; QSaveFile leaves any old file intact.
+  writePlistFile(choice->path, PlistValue(std::move(dict)));
+  if (resumeDesign) {
+    editCurrent(nullptr);
+  }
+}
+
+bool Controller::openFile(const QString& path) {
+  const DocumentReadResult read = readDocumentFile(path);
+  loadToCurrentStateFromDict(read.dict ? &*read.dict : nullptr, true, true, true);
+  editCurrent(nullptr);
+  return true;
+}
+
+void Controller::exportTIFF(QObject* /*sender*/) {
+  OrrenvaleGL* view = currentGLView();
+  if (view == nullptr) {
+    return;
+  }
+  const std::optional<QString> path =
+      panels()->runSaveFilePanel(nullptr, "Export View to TIFF", "tiff");
+  if (!path) {
+    return;
+  }
+  const QImage image = view->captureView();
+  QSaveFile file(*path);
+  if (!file.open(QIODevice::WriteOnly)) {
+    return;
+  }
+  QImageWriter writer(&file, "tiff");
+  if (writer.write(image)) {
+    file.commit();
+  } else {
+    file.cancelWriting();
+  }
+}
+
+void Controller::printScreen(QObject* /*sender*/) {
+  OrrenvaleGL* view = currentGLView();
+  if (view == nullptr) {
+    return;
+  }
+  panels()->printImage(view->window(), view->captureView());
+}

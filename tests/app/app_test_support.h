@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QAction>
+#include <QApplication>
+#include <QMainWindow>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <memory>
+#include <optional>
+
+#include "app/controller.h"
+#include "app/orrenvale_gl_window_controller.h"
+#include "engine/world.h"
+#include "palettes/body_window_controller.h"
+#include "palettes/panels.h"
+#include "palettes/simulation_window_controller.h"
+#include "palettes/text_output_controller.h"
+#include "palettes/view_window_controller.h"
+
+// Answers the application's dialogs from a script: each run of a panel takes
+// the next scripted answer, or cancels when there is none.
+class ScriptedPanels : public Panels {
+ public:
+  Answer confirmSaveFirst(QWidget*) override {
+    ++confirmations;
+    return confirmAnswer;
+  }
+  std::optional<OpenChoice> runOpenPanel(QWidget*) override { return take(opens); }
+  std::optional<SaveChoice> runSavePanel(QWidget*) override { return take(saves); }
+  std::optional<QString> runSaveFilePanel(QWidget*, const QString& title,
+                                          const QString& suffix) override {
+    lastFileTitle = title;
+    lastFileSuffix = suffix;
+    return take(files);
+  }
+  bool printImage(QWidget*, const QImage& image) override {
+    printed = image;
+    return true;
+  }
+  void alert(QWidget*, const QString& title, const QString&) override { alerts.push_back(title); }
+
+  Answer confirmAnswer = Answer::DontSave;
+  int confirmations = 0;
+  std::deque<OpenChoice> opens;
+  std::deque<SaveChoice> saves;
+  std::deque<QString> files;
+  QString lastFileTitle;
+  QString lastFileSuffix;
+  QImage printed;
+  std::vector<QString> alerts;
+
+ private:
+  template <typename T>
+  static std::optional<T> take(std::deque<T>& queue) {
+    if (queue.empty())
+      return std::nullopt;
+    T value = queue.front();
+    queue.pop_front();
+    return value;
+  }
+};
+
+// A started application: the controller after its launch, with scripted
+// dialogs. Deleted windows are flushed before and after each test.
+class AppTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    setPanels(&panels);
+    controller = std::make_unique<Controller>();
+    ASSERT_TRUE(controller->applicationDidFinishLaunching());
+    flush();
+  }
+  void TearDown() override {
+    controller.reset();
+    flush();
+    setPanels(nullptr);
+  }
+
+  // Lets deferred deletions and queued events run.
+  static void flush() {
+    for (int i = 0; i < 3; ++i) {
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+      QCoreApplication::processEvents();
+    }
+  }
+
+  QAction* item(const char* name) const { return controller->menuItem(name); }
+  World& world() const { return controller->world(); }
+  int viewWindowCount() const { return static_cast<int>(controller->viewWindows().size()); }
+  QString mainWindowTitle() const {
+    return controller->mainWindowController() != nullptr
+               ? controller->mainWindowController()->window()->windowTitle()
+               : QString();
+  }
+  // Runs the event loop for the given time, so timers fire.
+  static void runFor(int ms) { QTest::qWait(ms); }
+
+  ScriptedPanels panels;
+  std::unique_ptr<Controller> controller;
+};

@@ -1,0 +1,276 @@
+#include <gtest/gtest.h>
+
+#include <QDialog>
+#include <QMainWindow>
+#include <QMenu>
+#include <ostream>
+
+#include "app/splash_window.h"
+#include "app_test_support.h"
+#include "engine/world.h"
+#include "palettes/body_window_controller.h"
+#include "tests/palettes/close_box.h"
+#include "view/orrenvale_gl.h"
+#include "view/view.h"
+
+namespace {
+
+int activeUpdateTimers(const Controller& c) {
+  int n = 0;
+  for (QTimer* t : c.findChildren<QTimer*>("updateTimer"))
+    n += t->isActive() ? 1 : 0;
+  return n;
+}
+
+TEST_F(AppTest, StartUpLeavesOneViewWindowInDesignMode) {
+  EXPECT_EQ(viewWindowCount(), 1);
+  EXPECT_EQ(mainWindowTitle(), "View 0");
+  EXPECT_TRUE(controller->editing());
+  EXPECT_FALSE(controller->running());
+  EXPECT_TRUE(item("menuViewXY")->isChecked());
+  EXPECT_FALSE(item("menuViewXZ")->isChecked());
+  EXPECT_EQ(controller->panType(), kPanTypeXY);
+  EXPECT_FALSE(item("menuSimRun")->isEnabled());
+  EXPECT_FALSE(item("menuSimStep")->isEnabled());
+  EXPECT_FALSE(item("menuSimEditCurrent")->isEnabled());
+  EXPECT_FALSE(item("menuSimRevert")->isEnabled());
+  EXPECT_TRUE(item("menuSimEdit")->isChecked());
+  EXPECT_TRUE(item("menuSimReset")->isEnabled());
+  EXPECT_TRUE(item("menuFilePrint")->isEnabled());
+  EXPECT_TRUE(controller->viewPaletteVisible());
+  EXPECT_TRUE(controller->bodyPaletteVisible());
+  EXPECT_TRUE(controller->simPaletteVisible());
+  EXPECT_FALSE(controller->textPaletteVisible());
+  EXPECT_TRUE(item("menuSimPalette")->isChecked());
+  EXPECT_FALSE(item("menuSimOutput")->isChecked());
+  ASSERT_NE(controller->splashWindow(), nullptr);
+  EXPECT_TRUE(controller->splashWindow()->isVisible());
+}
+
+TEST_F(AppTest, ClickingTheSplashClosesItAndNothingElse) {
+  SplashWindow* splash = controller->splashWindow();
+  QTest::mouseClick(splash->imageView(), Qt::LeftButton, {}, QPoint(100, 40));
+  flush();
+  EXPECT_EQ(controller->splashWindow(), nullptr);
+  EXPECT_EQ(viewWindowCount(), 1);
+  EXPECT_TRUE(controller->bodyPaletteVisible());
+}
+
+struct SpeedCase {
+  float in;
+  float stored;
+};
+
+void PrintTo(const SpeedCase& c, std::ostream* os) {
+  *os << c.in << " ms";
+}
+
+class WorldSpeed : public AppTest, public ::testing::WithParamInterface<SpeedCase> {};
+
+TEST_P(WorldSpeed, IsBoundedBelowExceptForZero) {
+  controller->setWorldSpeed(GetParam().in);
+  EXPECT_EQ(world().millisecondsPerUpdate, GetParam().stored);
+}
+
+INSTANTIATE_TEST_SUITE_P(Bounds, WorldSpeed,
+                         ::testing::Values(SpeedCase{0.0f, 0.0f}, SpeedCase{0.005f, 0.01f},
+                                           SpeedCase{-3.0f, 0.01f}, SpeedCase{0.02f, 0.02f},
+                                           SpeedCase{10.0f, 10.0f}));
+
+TEST_F(AppTest, ThereIsNeverMoreThanOneUpdateTimer) {
+  controller->edit(nullptr);  // leave design mode
+  EXPECT_EQ(activeUpdateTimers(*controller), 0);
+  controller->runSim();
+  controller->runSim();
+  controller->setWorldSpeed(20.0f);
+  EXPECT_TRUE(controller->running());
+  EXPECT_EQ(activeUpdateTimers(*controller), 1);
+  EXPECT_EQ(controller->updateTimer()->interval(), 20);
+  EXPECT_TRUE(item("menuSimRun")->isChecked());
+  EXPECT_FALSE(item("menuSimStep")->isEnabled());
+  controller->toggleSim(nullptr);
+  EXPECT_FALSE(controller->running());
+  EXPECT_EQ(activeUpdateTimers(*controller), 0);
+  EXPECT_FALSE(item("menuSimRun")->isChecked());
+  EXPECT_TRUE(item("menuSimStep")->isEnabled());
+  // Stopping a stopped clock changes nothing but the menu marks.
+  controller->stopSim();
+  EXPECT_FALSE(controller->running());
+  EXPECT_TRUE(item("menuSimStep")->isEnabled());
+}
+
+TEST_F(AppTest, SpeedChangedWhileStoppedIsUsedByTheNextRun) {
+  controller->edit(nullptr);
+  controller->setWorldSpeed(35.0f);
+  EXPECT_EQ(controller->updateTimer(), nullptr);
+  controller->runSim();
+  EXPECT_EQ(controller->updateTimer()->interval(), 35);
+}
+
+TEST_F(AppTest, RunningAdvancesTheWorldAndStepAddsOneStep) {
+  controller->newBody(nullptr);
+  Body* b = world().findBodyById(100);
+  b->velocity.x = 1.0;
+  controller->edit(nullptr);
+  EXPECT_FALSE(controller->editing());
+  controller->stepSim(nullptr);
+  EXPECT_EQ(world().elapsedTime, world().timeStep);
+  controller->toggleSim(nullptr);
+  runFor(100);
+  controller->toggleSim(nullptr);
+  EXPECT_GT(world().elapsedTime, 10 * world().timeStep);
+  EXPECT_GT(world().findBodyById(100)->position.x, 0.05);
+}
+
+TEST_F(AppTest, TimersWaitWhileAModalDialogIsOpen) {
+  controller->edit(nullptr);
+  controller->toggleSim(nullptr);
+  runFor(30);
+  double during[2] = {};
+  QDialog dialog;
+  QTimer::singleShot(50, &dialog, [&] { during[0] = world().elapsedTime; });
+  QTimer::singleShot(150, &dialog, [&] {
+    during[1] = world().elapsedTime;
+    dialog.accept();
+  });
+  dialog.exec();
+  EXPECT_EQ(during[0], during[1]);
+  runFor(50);
+  EXPECT_GT(world().elapsedTime, during[1]);
+}
+
+TEST_F(AppTest, AccelerationsStayCurrentWhileStopped) {
+  world().gravitationalConstant = 1.0;
+  controller->newBody(nullptr);
+  controller->newBody(nullptr);
+  world().findBodyById(101)->position.x = 10.0;
+  runFor(300);
+  EXPECT_DOUBLE_EQ(world().findBodyById(100)->acceleration.x, 0.01);
+}
+
+TEST_F(AppTest, BodyMenuFollowsTheWorld) {
+  auto titles = [&] {
+    std::vector<QString> out;
+    for (QAction* a : controller->bodyMenuItems())
+      out.push_back(a->data().toString());
+    return out;
+  };
+  controller->newBody(nullptr);
+  controller->newBody(nullptr);
+  controller->newBody(nullptr);
+  EXPECT_EQ(titles(), (std::vector<QString>{"Body 0", "Body 1", "Body 2"}));
+  world().deleteBodyById(101);
+  EXPECT_EQ(titles(), (std::vector<QString>{"Body 0", "Body 2"}));
+  controller->worldRenameBody(world().findBodyById(102), "Body 0");
+  EXPECT_STREQ(world().findBodyById(102)->name, "Body 0");
+  EXPECT_EQ(titles(), (std::vector<QString>{"Body 0", "Body 0"}));
+  // Choosing either item selects the first body of that name.
+  controller->bodyMenuItems()[1]->trigger();
+  EXPECT_EQ(controller->currentView()->selectedBodyID, 100);
+  // A merge deletes the younger body and with it one item.
+  world().findBodyById(102)->position = world().findBodyById(100)->position;
+  controller->edit(nullptr);
+  controller->stepSim(nullptr);
+  EXPECT_EQ(world().bodies->count(), 1);
+  EXPECT_EQ(titles(), (std::vector<QString>{"Body 0"}));
+  controller->deleteAllBodies(nullptr);
+  EXPECT_TRUE(titles().empty());
+  EXPECT_NE(item("menuBodyCreateBody"), nullptr);
+  controller->newBody(nullptr);
+  EXPECT_EQ(world().bodies->count(), 1);
+  Body* newest = world().findBodyById(103);
+  ASSERT_NE(newest, nullptr);
+  // A rename that finds no item with the body's name changes nothing.
+  copyName(newest->name, "Ghost");
+  controller->worldRenameBody(newest, "Nobody");
+  EXPECT_STREQ(newest->name, "Ghost");
+}
+
+TEST_F(AppTest, ViewItemsFollowTheMainWindow) {
+  controller->newView(nullptr);
+  controller->newView(nullptr);
+  ASSERT_EQ(viewWindowCount(), 3);
+  EXPECT_EQ(mainWindowTitle(), "View 2");
+  EXPECT_TRUE(item("menuZin")->isEnabled());
+  // Closing a window that is not main disables the view items.
+  controller->viewWindows()[0]->window()->close();
+  flush();
+  EXPECT_FALSE(item("menuZin")->isEnabled());
+  EXPECT_FALSE(item("menuFilePrint")->isEnabled());
+  controller->viewWindowDidBecomeMain(controller->viewWindows()[0]);
+  EXPECT_TRUE(item("menuZin")->isEnabled());
+  // Closing the main window hands main to the window activated before it.
+  controller->mainWindowController()->window()->close();
+  flush();
+  EXPECT_EQ(mainWindowTitle(), "View 2");
+  controller->closeAllWindows();
+  flush();
+  EXPECT_EQ(controller->mainWindowController(), nullptr);
+  EXPECT_FALSE(item("menuViewTIFF")->isEnabled());
+  // Commands without a main window do nothing.
+  item("menuZin")->trigger();
+  controller->handleViewKeyCommands(item("menuZin"));
+}
+
+TEST_F(AppTest, PanPlaneIsOneSettingForTheApplication) {
+  item("menuViewXZ")->trigger();
+  EXPECT_EQ(controller->panType(), kPanTypeXZ);
+  EXPECT_TRUE(item("menuViewXZ")->isChecked());
+  EXPECT_FALSE(item("menuViewXY")->isChecked());
+  EXPECT_FALSE(item("menuViewYZ")->isChecked());
+  item("menuViewYZ")->trigger();
+  EXPECT_EQ(controller->panType(), kPanTypeYZ);
+}
+
+TEST_F(AppTest, ViewCommandsReachTheMainView) {
+  View* v = controller->currentView();
+  const double z = v->cameraPosition.z;
+  item("menuZin")->trigger();
+  EXPECT_LT(v->cameraPosition.z, z);
+  const double x = v->cameraPosition.x;
+  item("menuPanRight")->trigger();
+  EXPECT_NE(v->cameraPosition.x, x);
+  controller->newBody(nullptr);
+  controller->newBody(nullptr);
+  EXPECT_EQ(v->selectedBodyID, 101);
+  item("menuSelectPrev")->trigger();
+  EXPECT_EQ(v->selectedBodyID, 100);
+  item("menuDeleteThis")->trigger();
+  EXPECT_EQ(world().findBodyById(100), nullptr);
+  EXPECT_EQ(item("menuDeleteThis")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Backspace));
+  EXPECT_EQ(item("menuZout")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Minus));
+}
+
+TEST_F(AppTest, PaletteTogglesKeepFlagMarkAndWindowInStep) {
+  item("menuSimPalette")->trigger();
+  EXPECT_FALSE(controller->simPaletteVisible());
+  EXPECT_FALSE(item("menuSimPalette")->isChecked());
+  EXPECT_FALSE(controller->simulationPaletteController()->window()->isVisible());
+  item("menuSimPalette")->trigger();
+  EXPECT_TRUE(controller->simPaletteVisible());
+  EXPECT_TRUE(controller->simulationPaletteController()->window()->isVisible());
+  // The close box ends in the same toggle.
+  ASSERT_TRUE(clickCloseBox(controller->bodyPaletteController()->window()));
+  EXPECT_FALSE(controller->bodyPaletteVisible());
+  EXPECT_FALSE(item("menuBodyInfoPalette")->isChecked());
+  item("menuBodyInfoPalette")->trigger();
+  EXPECT_TRUE(controller->bodyPaletteController()->window()->isVisible());
+  item("menuSimOutput")->trigger();
+  EXPECT_TRUE(controller->textPaletteVisible());
+  EXPECT_TRUE(item("menuSimOutput")->isChecked());
+  // The text log's close box keeps its flag and mark in step as well.
+  ASSERT_TRUE(clickCloseBox(controller->textPaletteController()->window()));
+  EXPECT_FALSE(controller->textPaletteVisible());
+  EXPECT_FALSE(item("menuSimOutput")->isChecked());
+}
+
+TEST_F(AppTest, WindowTitleSetsTheMinimumSize) {
+  QMainWindow* window = controller->mainWindowController()->window();
+  controller->setWindowTitleAndMinSize(window, "A rather long view name for this window");
+  EXPECT_EQ(window->windowTitle(), "A rather long view name for this window");
+  EXPECT_EQ(window->minimumWidth(), window->minimumHeight());
+  EXPECT_GT(window->minimumWidth(),
+            QFontMetrics(window->font()).horizontalAdvance("A rather long view name"));
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include "app_test_support.h"
+#include "palettes/body_window_controller.h"
+#include "view/orrenvale_gl.h"
+#include "view/view.h"
+
+namespace {
+
+// Designs a world of two bodies and a moved camera, then leaves design mode.
+void designAndLeave(Controller& c) {
+  c.newBody(nullptr);
+  c.newBody(nullptr);
+  World& w = c.world();
+  w.findBodyById(100)->velocity.y = 2.0;
+  w.findBodyById(101)->position.x = 50.0;
+  w.timeStep = 0.05;
+  c.currentView()->cameraPosition.z = 250.0;
+  c.edit(nullptr);
+}
+
+TEST_F(AppTest, EnteringDesignModeAgainRestoresTheDesign) {
+  designAndLeave(*controller);
+  EXPECT_FALSE(controller->editing());
+  EXPECT_TRUE(item("menuSimRun")->isEnabled());
+  EXPECT_TRUE(item("menuSimRevert")->isEnabled());
+  EXPECT_FALSE(item("menuSimEdit")->isChecked());
+  for (int i = 0; i < 20; ++i)
+    controller->stepSim(nullptr);
+  world().timeStep = 0.5;
+  EXPECT_NE(world().findBodyById(100)->position.y, 0.0);
+
+  controller->edit(nullptr);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_TRUE(item("menuSimEdit")->isChecked());
+  EXPECT_FALSE(item("menuSimRun")->isEnabled());
+  EXPECT_EQ(world().elapsedTime, 0.0);
+  EXPECT_EQ(world().timeStep, 0.05);
+  ASSERT_EQ(world().bodies->count(), 2);
+  EXPECT_EQ(world().findBodyById(100)->position.y, 0.0);
+  EXPECT_EQ(world().findBodyById(100)->velocity.y, 2.0);
+  EXPECT_EQ(world().findBodyById(101)->position.x, 50.0);
+  ASSERT_EQ(viewWindowCount(), 1);
+  EXPECT_EQ(mainWindowTitle(), "View 0");
+  EXPECT_EQ(controller->currentView()->cameraPosition.z, 250.0);
+  EXPECT_EQ(world().nextBodyId, 102);
+}
+
+TEST_F(AppTest, LeavingAndEnteringWithoutRunningKeepsTheWorld) {
+  designAndLeave(*controller);
+  controller->edit(nullptr);
+  EXPECT_EQ(world().findBodyById(101)->position.x, 50.0);
+  EXPECT_EQ(world().timeStep, 0.05);
+}
+
+TEST_F(AppTest, RevertReturnsARunToItsDesignOutsideDesignMode) {
+  designAndLeave(*controller);
+  controller->toggleSim(nullptr);
+  runFor(50);
+  controller->revertSim(nullptr);
+  EXPECT_FALSE(controller->running());
+  EXPECT_FALSE(controller->editing());
+  EXPECT_EQ(world().elapsedTime, 0.0);
+  EXPECT_EQ(world().findBodyById(100)->position.y, 0.0);
+  EXPECT_TRUE(item("menuSimStep")->isEnabled());
+  EXPECT_EQ(viewWindowCount(), 1);
+}
+
+TEST_F(AppTest, EditCurrentTakesTheRunAsTheNewDesign) {
+  designAndLeave(*controller);
+  for (int i = 0; i < 5; ++i)
+    controller->stepSim(nullptr);
+  const double y = world().findBodyById(100)->position.y;
+  controller->editCurrent(nullptr);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_EQ(world().findBodyById(100)->position.y, y);
+  controller->edit(nullptr);
+  controller->stepSim(nullptr);
+  controller->edit(nullptr);
+  EXPECT_EQ(world().findBodyById(100)->position.y, y);
+}
+
+TEST_F(AppTest, ResetLeavesNoViewWindowAndNewBodyOpensOne) {
+  designAndLeave(*controller);
+  controller->resetSim(item("menuSimReset"));
+  flush();
+  EXPECT_EQ(viewWindowCount(), 0);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_EQ(world().bodies->count(), 0);
+  EXPECT_TRUE(controller->bodyMenuItems().empty());
+  EXPECT_FALSE(item("menuZin")->isEnabled());
+
+  controller->showBodyPaletteFromMenu(nullptr);  // hide it first
+  ASSERT_FALSE(controller->bodyPaletteVisible());
+  controller->newBody(nullptr);
+  EXPECT_EQ(viewWindowCount(), 1);
+  ASSERT_NE(controller->currentView(), nullptr);
+  EXPECT_EQ(controller->currentView()->selectedBodyID, 100);
+  EXPECT_TRUE(controller->bodyPaletteVisible());
+  EXPECT_TRUE(controller->editing());
+  // Still designing: Step stays off even though adding a body stopped the clock.
+  EXPECT_FALSE(item("menuSimStep")->isEnabled());
+}
+
+TEST_F(AppTest, NewAsksFirstAndCancelKeepsEverything) {
+  designAndLeave(*controller);
+  panels.confirmAnswer = Panels::Answer::Cancel;
+  controller->menuNew(nullptr);
+  EXPECT_EQ(panels.confirmations, 1);
+  EXPECT_EQ(world().bodies->count(), 2);
+  EXPECT_FALSE(controller->editing());
+
+  // "Save" with a cancelled save panel still goes on to the new world.
+  panels.confirmAnswer = Panels::Answer::Save;
+  controller->menuNew(nullptr);
+  flush();
+  EXPECT_EQ(world().bodies->count(), 0);
+  EXPECT_EQ(viewWindowCount(), 1);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_EQ(mainWindowTitle(), "View 0");
+}
+
+TEST_F(AppTest, ResetDiscardsDesignChanges) {
+  controller->newBody(nullptr);
+  controller->resetSim(nullptr);
+  controller->edit(nullptr);
+  controller->edit(nullptr);
+  EXPECT_EQ(world().bodies->count(), 0);
+}
+
+}  // namespace

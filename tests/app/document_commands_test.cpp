@@ -1,0 +1,273 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImageReader>
+#include <QMainWindow>
+#include <QTemporaryDir>
+#include <cmath>
+
+#include "app_test_support.h"
+#include "document/world_document.h"
+#include "view/orrenvale_gl.h"
+#include "view/view.h"
+
+namespace {
+
+class DocumentTest : public AppTest {
+ protected:
+  QString path(const char* name) const { return dir.filePath(name); }
+
+  // A design of two bodies and two views with their own names, cameras,
+  // sizes and angles.
+  void designWorld() {
+    controller->newBody(nullptr);
+    controller->newBody(nullptr);
+    Body* a = world().findBodyById(100);
+    a->position.x = 12.5;
+    a->velocity.z = -0.75;
+    a->color[0] = 0.2f;
+    controller->worldRenameBody(a, "Terra");
+    world().deleteBodyById(101);
+    controller->newBody(nullptr);  // identifier 102
+    world().gravitationalConstant = 1.0;
+    world().setName("Saved world");
+    View* first = controller->currentView();
+    first->cameraPosition.x = 30.0;
+    first->trackball->rotation.setRollPitchYaw(0.3, -0.4, 1.1);
+    controller->newView(nullptr);
+    OrrenvaleGLWindowController* second = controller->mainWindowController();
+    copyName(second->CGLview()->view()->name, "Side");
+    controller->setWindowTitleAndMinSize(second->window(), "Side");
+    second->setContentSize(320, 240);
+    flush();
+    QTest::qWait(100);  // a frame records the drawing-area size
+    controller->editCurrent(nullptr);
+    flush();
+  }
+
+  Panels::SaveChoice saveAll(const char* name, int stateIndex = 0) const {
+    Panels::SaveChoice c;
+    c.path = path(name);
+    c.stateIndex = stateIndex;
+    return c;
+  }
+
+  QTemporaryDir dir;
+};
+
+TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
+  designWorld();
+  panels.saves.push_back(saveAll("world.ovd"));
+  controller->saveDocumentFromMenu(nullptr);
+  ASSERT_TRUE(QFile::exists(path("world.ovd")));
+
+  controller->resetSim(nullptr);
+  flush();
+  panels.confirmAnswer = Panels::Answer::DontSave;
+  panels.opens.push_back({path("world.ovd"), true, true, true});
+  controller->openDocumentFromMenu(nullptr);
+  flush();
+
+  EXPECT_TRUE(controller->editing());
+  ASSERT_EQ(world().bodies->count(), 2);
+  Body* a = world().findBodyById(100);
+  ASSERT_NE(a, nullptr);
+  EXPECT_STREQ(a->name, "Terra");
+  EXPECT_EQ(a->position.x, 12.5);
+  EXPECT_EQ(a->velocity.z, -0.75);
+  EXPECT_EQ(a->color[0], 0.2f);
+  EXPECT_NE(world().findBodyById(102), nullptr);
+  EXPECT_EQ(world().nextBodyId, 103);
+  EXPECT_EQ(world().gravitationalConstant, 1.0);
+  EXPECT_STREQ(world().name, "Saved world");
+  std::vector<QString> titles;
+  for (QAction* i : controller->bodyMenuItems())
+    titles.push_back(i->data().toString());
+  EXPECT_EQ(titles, (std::vector<QString>{"Terra", "Body 2"}));
+
+  ASSERT_EQ(viewWindowCount(), 2);
+  OrrenvaleGLWindowController* first = controller->viewWindows()[0];
+  OrrenvaleGLWindowController* second = controller->viewWindows()[1];
+  EXPECT_EQ(first->window()->windowTitle(), "View 0");
+  EXPECT_EQ(second->window()->windowTitle(), "Side");
+  EXPECT_EQ(first->CGLview()->view()->cameraPosition.x, 30.0);
+  EXPECT_EQ(second->CGLview()->size(), QSize(320, 240));
+  const Vector angles = first->CGLview()->view()->trackball->rotation.toRollPitchYaw();
+  // Euler angles through a quaternion and back: a few ulps of the angles.
+  EXPECT_NEAR(angles.x, 0.3, 1e-12);
+  EXPECT_NEAR(angles.y, -0.4, 1e-12);
+  EXPECT_NEAR(angles.z, 1.1, 1e-12);
+}
+
+TEST_F(DocumentTest, OpenWithOnlyBodiesGivesDefaultParametersAndNoView) {
+  designWorld();
+  panels.saves.push_back(saveAll("world.ovd"));
+  controller->saveDocumentFromMenu(nullptr);
+  panels.opens.push_back({path("world.ovd"), true, false, false});
+  controller->openDocumentFromMenu(nullptr);
+  flush();
+  EXPECT_EQ(world().bodies->count(), 2);
+  EXPECT_EQ(world().gravitationalConstant, World::kDefaultGravitationalConstant);
+  EXPECT_STREQ(world().name, "Default world");
+  EXPECT_EQ(viewWindowCount(), 0);
+  EXPECT_TRUE(controller->editing());
+}
+
+TEST_F(DocumentTest, SaveDesignStateWritesTheDesignAndShowsIt) {
+  designWorld();
+  controller->edit(nullptr);
+  for (int i = 0; i < 10; ++i)
+    controller->stepSim(nullptr);
+  world().findBodyById(100)->position.x = 99.0;
+
+  panels.saves.push_back(saveAll("design.ovd", 0));
+  controller->saveDocumentFromMenu(nullptr);
+  flush();
+  EXPECT_FALSE(controller->editing());
+  EXPECT_EQ(world().findBodyById(100)->position.x, 12.5);
+  EXPECT_EQ(world().elapsedTime, 0.0);
+  const DocumentReadResult read = readDocumentFile(path("design.ovd"));
+  ASSERT_TRUE(read.dict.has_value());
+  World check;
+  loadToWorldFromDict(check, &*read.dict, {});
+  EXPECT_EQ(check.findBodyById(100)->position.x, 12.5);
+}
+
+TEST_F(DocumentTest, SaveCurrentStateWritesTheRunAndStaysStopped) {
+  designWorld();
+  controller->edit(nullptr);
+  controller->toggleSim(nullptr);
+  world().findBodyById(100)->position.x = 99.0;
+  panels.saves.push_back(saveAll("current.ovd", 1));
+  controller->saveDocumentFromMenu(nullptr);
+  EXPECT_FALSE(controller->running());
+  EXPECT_FALSE(controller->editing());
+  EXPECT_EQ(world().findBodyById(100)->position.x, 99.0);
+  const DocumentReadResult read = readDocumentFile(path("current.ovd"));
+  ASSERT_TRUE(read.dict.has_value());
+  World check;
+  loadToWorldFromDict(check, &*read.dict, {});
+  EXPECT_EQ(check.findBodyById(100)->position.x, 99.0);
+}
+
+TEST_F(DocumentTest, SaveDesignStateInDesignModeKeepsTheEdits) {
+  designWorld();
+  world().findBodyById(100)->position.x = -4.0;
+  panels.saves.push_back(saveAll("edited.ovd", 0));
+  controller->saveDocumentFromMenu(nullptr);
+  flush();
+  EXPECT_TRUE(controller->editing());
+  EXPECT_EQ(world().findBodyById(100)->position.x, -4.0);
+  EXPECT_EQ(viewWindowCount(), 2);
+}
+
+TEST_F(DocumentTest, CommandLineFileOpensInDesignMode) {
+  designWorld();
+  panels.saves.push_back(saveAll("cli.ovd"));
+  controller->saveDocumentFromMenu(nullptr);
+  controller->resetSim(nullptr);
+  flush();
+  EXPECT_TRUE(controller->openFile(path("cli.ovd")));
+  flush();
+  EXPECT_EQ(panels.confirmations, 0);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_EQ(world().bodies->count(), 2);
+  EXPECT_EQ(viewWindowCount(), 2);
+}
+
+TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
+  QFile garbage(path("garbage.ovd"));
+  ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
+  garbage.write("\x01\x02<plist><dict><key>Bodies</key>");
+  garbage.close();
+  for (const QString& file : {path("garbage.ovd"), path("missing.ovd"), dir.path()}) {
+    controller->newBody(nullptr);
+    controller->openFile(file);
+    flush();
+    EXPECT_EQ(world().bodies->count(), 0) << file.toStdString();
+    EXPECT_EQ(viewWindowCount(), 0);
+    EXPECT_TRUE(controller->editing());
+    EXPECT_EQ(world().timeStep, World::kDefaultTimeStep);
+  }
+  panels.opens.push_back({path("garbage.ovd"), true, true, true});
+  controller->openDocumentFromMenu(nullptr);
+  EXPECT_EQ(viewWindowCount(), 0);
+}
+
+TEST_F(DocumentTest, CancelledPanelsChangeNothing) {
+  designWorld();
+  controller->openDocumentFromMenu(nullptr);  // "Don't Save", then the panel is cancelled
+  controller->saveDocumentFromMenu(nullptr);
+  controller->exportTIFF(nullptr);
+  flush();
+  EXPECT_EQ(world().bodies->count(), 2);
+  EXPECT_EQ(viewWindowCount(), 2);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_TRUE(QDir(dir.path()).isEmpty());
+}
+
+TEST_F(DocumentTest, SavingToAReadOnlyPlaceLeavesTheOldFile) {
+  designWorld();
+  QDir(dir.path()).mkdir("locked");
+  const QString locked = dir.filePath("locked/world.ovd");
+  {
+    QFile old(locked);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("old contents");
+  }
+  QFile::setPermissions(dir.filePath("locked"), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+  Panels::SaveChoice c = saveAll("unused");
+  c.path = locked;
+  panels.saves.push_back(c);
+  controller->saveDocumentFromMenu(nullptr);
+  QFile::setPermissions(dir.filePath("locked"),
+                        QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+  QFile check(locked);
+  ASSERT_TRUE(check.open(QIODevice::ReadOnly));
+  // Root ignores directory permissions; then the write may succeed, and the
+  // file must at least be whole.
+  const QByteArray contents = check.readAll();
+  EXPECT_TRUE(contents == "old contents" || contents.contains("</plist>"));
+}
+
+TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
+  controller->newBody(nullptr);
+  Body* b = world().findBodyById(100);
+  b->radius = 40.0;
+  b->color[0] = 1.0f, b->color[1] = 0.0f, b->color[2] = 0.0f;
+  b->position.y = 100.0;  // in the upper half of the view
+  controller->currentView()->selectedBodyID = 0;
+  controller->mainWindowController()->setContentSize(300, 200);
+  flush();
+  QTest::qWait(100);
+  panels.files.push_back(path("view"));
+  controller->exportTIFF(nullptr);
+  EXPECT_EQ(panels.lastFileTitle, "Export View to TIFF");
+  EXPECT_EQ(panels.lastFileSuffix, "tiff");
+  QImageReader reader(path("view"), "tiff");
+  const QImage image = reader.read();
+  ASSERT_FALSE(image.isNull()) << reader.errorString().toStdString();
+  EXPECT_EQ(image.size(), QSize(300, 200));
+  auto redIn = [&](int y0, int y1) {
+    int n = 0;
+    for (int y = y0; y < y1; ++y)
+      for (int x = 0; x < image.width(); ++x) {
+        const QColor c = image.pixelColor(x, y);
+        n += (c.red() > 100 && c.green() < 60 && c.blue() < 60) ? 1 : 0;
+      }
+    return n;
+  };
+  EXPECT_GT(redIn(0, 100), 50);
+  EXPECT_EQ(redIn(100, 200), 0);
+}
+
+TEST_F(DocumentTest, PrintHandsTheCapturedViewToThePrintDialog) {
+  controller->mainWindowController()->setContentSize(260, 180);
+  flush();
+  QTest::qWait(100);
+  item("menuFilePrint")->trigger();
+  EXPECT_EQ(panels.printed.size(), QSize(260, 180));
+}
+
+}  // namespace
