@@ -8,7 +8,11 @@ import random
 OUT = os.path.dirname(os.path.abspath(__file__))
 G_AU = 4 * math.pi ** 2
 
-def view(name, cam, focus=(0.0, 0.0, 0.0), spacing=1.0, autodist=5.0, grid=(0.15, 0.15, 0.2), com=False):
+# The axis marker that goes with the grid is 20 units across whatever the
+# world's scale; worlds a few units wide (AU, the figure eight) switch the grid
+# off, or the marker would fill the view.
+def view(name, cam, focus=(0.0, 0.0, 0.0), spacing=1.0, autodist=5.0, grid=(0.15, 0.15, 0.2), com=False,
+         show_grid=True):
     return {
         "Camera position X": float(cam[0]), "Camera position Y": float(cam[1]), "Camera position Z": float(cam[2]),
         "Camera focus X": float(focus[0]), "Camera focus Y": float(focus[1]), "Camera focus Z": float(focus[2]),
@@ -17,7 +21,7 @@ def view(name, cam, focus=(0.0, 0.0, 0.0), spacing=1.0, autodist=5.0, grid=(0.15
         "Track center of mass enable": com,
         "Camera autodistance": float(autodist),
         "Track body enable": False, "Track body ID": 0,
-        "Gridline enable": True, "Show trace lines": True, "Show vectors": False,
+        "Gridline enable": show_grid, "Show trace lines": True, "Show vectors": False,
         "Gridline spacing": float(spacing),
         "Gridline color R": grid[0], "Gridline color G": grid[1], "Gridline color B": grid[2],
         "Selected body ID": 0,
@@ -76,7 +80,7 @@ for name, a, e, lp, m, r, c in planets:
                    (-vp * math.sin(th), vp * math.cos(th), 0.0), m, r, c))
 zero_momentum(bs)
 save("inner-solar-system.ovd", world("Inner solar system", 0.001, G_AU, 5.0, bs,
-     [view("Inner solar system", (0.0, -2.6, 3.6), spacing=1.0)]))
+     [view("Inner solar system", (0.0, -2.6, 3.6), spacing=1.0, show_grid=False)]))
 
 # 2. Figure-eight: the three-body choreography of Chenciner and Montgomery,
 # G = 1, m = 1, period 6.32591398.
@@ -87,7 +91,7 @@ bs = [body("A", x1, v1, 1.0, 0.04, (1.0, 0.35, 0.3)),
       body("B", tuple(-c for c in x1), v1, 1.0, 0.04, (0.35, 1.0, 0.4)),
       body("C", (0.0, 0.0, 0.0), v3, 1.0, 0.04, (0.35, 0.5, 1.0))]
 save("figure-eight.ovd", world("Figure-eight three-body orbit", 0.002, 1.0, 2.0, bs,
-     [view("Figure eight", (0.0, 0.0, 3.2), spacing=1.0)]))
+     [view("Figure eight", (0.0, 0.0, 3.2), spacing=1.0, show_grid=False)]))
 
 # 3. Binary star with a circumbinary planet (AU, years, solar masses).
 mA, mB, ab = 1.0, 0.6, 0.5
@@ -104,7 +108,7 @@ px = mp * vp
 for b in bs[:2]:
     b["Velocity X"] += px / M
 save("binary-star-planet.ovd", world("Binary star with a planet", 0.001, G_AU, 2.0, bs,
-     [view("Binary", (0.0, -4.5, 6.5), spacing=1.0)]))
+     [view("Binary", (0.0, -4.5, 6.5), spacing=1.0, show_grid=False)]))
 
 # 4. Planet formation: a star and a ring of planetesimals on crossing,
 # slightly eccentric and inclined orbits; collisions merge them into planets.
@@ -128,7 +132,7 @@ while len(bs) < 61:
                    (grey, grey * rng.uniform(0.7, 1.0), grey * rng.uniform(0.5, 0.9)), trace=False))
 zero_momentum(bs)
 save("planet-formation.ovd", world("Planet formation", 0.002, G_AU, 2.0, bs,
-     [view("Disc", (0.0, -2.8, 3.2), spacing=1.0)]))
+     [view("Disc", (0.0, -2.8, 3.2), spacing=1.0, show_grid=False)]))
 
 # 5. Rebound: balls fall onto a heavy sphere and bounce, two more collide head
 # on in orbit. Collisions are elastic (restitution 1), so the total energy
