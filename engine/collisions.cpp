@@ -58,27 +58,17 @@ bool World::collide() {
 
 bool World::collidePlain() {
   bool found = false;
-  for (ListNode* ni = bodies->head(); ni != nullptr; ni = ni->next) {
-    auto* bi = static_cast<Body*>(ni->item());
-    if (!bi->active) {
-      continue;
-    }
-    for (ListNode* nj = ni->next; nj != nullptr; nj = nj->next) {
-      auto* bj = static_cast<Body*>(nj->item());
-      if (!bj->active) {
-        continue;
-      }
-      const double d = (bi->position - bj->position).length();
-      if (bi->radius + bj->radius >= d) {
-        found = true;
-        if (merge) {
-          mergeInto(*bi, *bj);
-        } else {
-          rebound(*bi, *bj, restitution);
-        }
+  forEachActivePair(*bodies, [&](Body& bi, Body& bj) {
+    const double d = (bi.position - bj.position).length();
+    if (bi.radius + bj.radius >= d) {
+      found = true;
+      if (merge) {
+        mergeInto(bi, bj);
+      } else {
+        rebound(bi, bj, restitution);
       }
     }
-  }
+  });
   removeInactiveBodies();
   return found;
 }

@@ -30,31 +30,21 @@ void World::computeForces() {
 
 void World::computeForcesPlain() {
   const double minusG = -gravitationalConstant;
-  for (ListNode* ni = bodies->head(); ni != nullptr; ni = ni->next) {
-    auto* bi = static_cast<Body*>(ni->item());
-    if (!bi->active) {
-      continue;
+  forEachActivePair(*bodies, [minusG](Body& bi, Body& bj) {
+    const Vector d = bi.position - bj.position;
+    const double d2 = d.lengthSquared();
+    const double l = std::sqrt(d2);
+    // A pair within 1e-12 (coincident bodies included) has no direction and
+    // exerts no force; skipping it also keeps an infinite or undefined
+    // magnitude from turning the zero direction into NaN.
+    if (!(std::fabs(l) > Vector::kTolerance)) {
+      return;
     }
-    for (ListNode* nj = ni->next; nj != nullptr; nj = nj->next) {
-      auto* bj = static_cast<Body*>(nj->item());
-      if (!bj->active) {
-        continue;
-      }
-      const Vector d = bi->position - bj->position;
-      const double d2 = d.lengthSquared();
-      const double l = std::sqrt(d2);
-      // A pair within 1e-12 (coincident bodies included) has no direction and
-      // exerts no force; skipping it also keeps an infinite or undefined
-      // magnitude from turning the zero direction into NaN.
-      if (!(std::fabs(l) > Vector::kTolerance)) {
-        continue;
-      }
-      const double s = ((minusG * bi->mass) * bj->mass) / d2;
-      const Vector f = s * Vector::of(d.x / l, d.y / l, d.z / l);
-      bi->addForce(f);
-      bj->addForce(-1.0 * f);
-    }
-  }
+    const double s = ((minusG * bi.mass) * bj.mass) / d2;
+    const Vector f = s * Vector::of(d.x / l, d.y / l, d.z / l);
+    bi.addForce(f);
+    bj.addForce(-1.0 * f);
+  });
 }
 
 bool World::integrate() {

@@ -83,3 +83,23 @@ void forEachItem(const LinkedList& list, F&& f) {
     f(*static_cast<T*>(node->item()));
   }
 }
+
+// Visits every unordered pair of active bodies once, the earlier body of the
+// list first, in list order: the order in which forces and collisions are
+// applied is part of the results.
+template <typename F>
+void forEachActivePair(const LinkedList& list, F&& f) {
+  for (ListNode* ni = list.head(); ni != nullptr; ni = ni->next) {
+    auto* bi = static_cast<Body*>(ni->item());
+    if (!bi->active) {
+      continue;
+    }
+    for (ListNode* nj = ni->next; nj != nullptr; nj = nj->next) {
+      auto* bj = static_cast<Body*>(nj->item());
+      // Only later bodies are absorbed during a pass, so bi stays active.
+      if (bj->active) {
+        f(*bi, *bj);
+      }
+    }
+  }
+}
