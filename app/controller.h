@@ -139,12 +139,17 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
 
   // Called by the view windows' controllers.
   void viewWindowDidBecomeMain(OrrenvaleGLWindowController* window);
-  void viewWindowWillClose(OrrenvaleGLWindowController* window);
+  // byUser: closed by its close box rather than by the program.
+  void viewWindowWillClose(OrrenvaleGLWindowController* window, bool byUser);
 
  private:
   void buildMenus();
   QAction* addItem(QMenu* menu, const char* name, const QString& title);
   void discardUpdateTimer();
+  // Once control is back in the event loop: when no view window and no
+  // palette is left on screen, quit if the user closed the last window,
+  // otherwise show the Simulation palette so the menus stay reachable.
+  void checkWindowsLeft(bool closedByUser);
   // True while a modal dialog or a menu is open: timers then do nothing.
   static bool eventLoopIsBlocked();
   // Hides a shown palette or shows a hidden one, keeping its flag and

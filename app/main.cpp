@@ -16,6 +16,9 @@ int main(int argc, char* argv[]) {
   QApplication::setApplicationName("Orrenvale");
   QApplication::setApplicationVersion(ORRENVALE_VERSION);
   QApplication::setDesktopFileName("orrenvale");
+  // Palettes and view windows come and go (a reset closes every view
+  // window); the controller decides when nothing is left to show.
+  QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(QIcon(makeSplashPicture().copy(96, 60, 48, 48)));
 
   QCommandLineParser parser;

@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 
 #include "controller.h"
 #include "engine/world.h"
@@ -369,8 +370,9 @@ void Controller::viewWindowDidBecomeMain(OrrenvaleGLWindowController* window) {
   window->windowDidBecomeMain();
 }
 
-void Controller::viewWindowWillClose(OrrenvaleGLWindowController* window) {
+void Controller::viewWindowWillClose(OrrenvaleGLWindowController* window, bool byUser) {
   window->windowWillClose();
+  checkWindowsLeft(byUser);
   std::erase(viewWindows_, window);
   std::erase(activationOrder_, window);
   if (mainWindow_ == window) {
@@ -383,6 +385,21 @@ void Controller::viewWindowWillClose(OrrenvaleGLWindowController* window) {
       viewWindowDidBecomeMain(next);
     }
   }
+}
+
+void Controller::checkWindowsLeft(bool closedByUser) {
+  QTimer::singleShot(0, this, [this, closedByUser] {
+    const bool anyLeft = !viewWindows_.empty() || simPaletteVisible_ || viewPaletteVisible_ ||
+                         bodyPaletteVisible_ || textPaletteVisible_;
+    if (anyLeft) {
+      return;
+    }
+    if (closedByUser) {
+      QApplication::quit();
+    } else {
+      showSimulationPaletteFromMenu(nullptr);
+    }
+  });
 }
 
 View* Controller::currentView() {
@@ -410,6 +427,8 @@ void Controller::togglePalette(QObject* sender, QObject* palette, QWidget* windo
     }
     item->setChecked(false);
     flag = false;
+    // A palette passes itself when its close box closed it.
+    checkWindowsLeft(sender == palette);
   } else {
     if (becomeVisible) {
       becomeVisible();

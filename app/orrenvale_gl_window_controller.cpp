@@ -50,7 +50,7 @@ bool OrrenvaleGLWindowController::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::Close && !closed_) {
       closed_ = true;
       window_->hide();
-      Controller::instance()->viewWindowWillClose(this);
+      Controller::instance()->viewWindowWillClose(this, event->spontaneous());
       // The window goes with its controller once the close has been
       // handled; nothing may touch it after this event.
       deleteLater();

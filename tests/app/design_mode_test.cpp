@@ -120,6 +120,18 @@ TEST_F(AppTest, NewAsksFirstAndCancelKeepsEverything) {
   EXPECT_EQ(mainWindowTitle(), "View 0");
 }
 
+TEST_F(AppTest, ResetWithEveryPaletteHiddenShowsTheSimulationPalette) {
+  controller->showViewPaletteFromMenu(nullptr);
+  controller->showBodyPaletteFromMenu(nullptr);
+  controller->showSimulationPaletteFromMenu(nullptr);
+  controller->resetSim(nullptr);
+  flush();
+  EXPECT_EQ(viewWindowCount(), 0);
+  // Its menu bar keeps every command reachable.
+  EXPECT_TRUE(controller->simPaletteVisible());
+  EXPECT_TRUE(controller->simulationPaletteController()->window()->isVisible());
+}
+
 TEST_F(AppTest, ResetDiscardsDesignChanges) {
   controller->newBody(nullptr);
   controller->resetSim(nullptr);
