@@ -49,6 +49,10 @@ Controller::Controller() {
   setPaletteHost(this);
   setBodyObserver(this);
 
+  // Every window carries its own menu bar, as the views' key commands and
+  // the Simulation palette expect; a desktop's global menu is not used.
+  QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+
   // init
   w = new World;
   buildMenus();
@@ -70,6 +74,8 @@ Controller::Controller() {
 
 Controller::~Controller() {
   accelerationTimer_->stop();
+  // The bodies' destructors would report to the menus; they go silently.
+  setBodyObserver(nullptr);
   if (running_) {
     discardUpdateTimer();
   }
@@ -77,17 +83,17 @@ Controller::~Controller() {
     delete window;
   }
   viewWindows_.clear();
+  deleteClosedWindows();
   mainWindow_ = nullptr;
   delete splash_.data();
   simPalette_.reset();
   viewPalette_.reset();
   bodyPalette_.reset();
   textPalette_.reset();
-  // The bodies' destructors would report to the menus; they go silently.
-  setBodyObserver(nullptr);
   delete w;
   setViewHost(nullptr);
   setPaletteHost(nullptr);
+  delete menuOwner_;
   gController = nullptr;
 }
 

@@ -150,6 +150,7 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   // palette is left on screen, quit if the user closed the last window,
   // otherwise show the Simulation palette so the menus stay reachable.
   void checkWindowsLeft(bool closedByUser);
+  void deleteClosedWindows();
   // True while a modal dialog or a menu is open: timers then do nothing.
   static bool eventLoopIsBlocked();
   // Hides a shown palette or shows a hidden one, keeping its flag and
@@ -169,6 +170,8 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   QTimer* accelerationTimer_ = nullptr;
   int panType_ = kPanTypeXY;
 
+  // Parent of the menus, which every window's menu bar shows; never shown.
+  QWidget* menuOwner_ = nullptr;
   std::vector<QMenu*> menus_;
   QMenu* bodyMenu_ = nullptr;
   QAction* menuBodyCreateBody = nullptr;
@@ -210,6 +213,8 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   QTimer* updateTimer_ = nullptr;
 
   std::vector<OrrenvaleGLWindowController*> viewWindows_;
+  // Closed view windows, deleted once their close event has been handled.
+  std::vector<OrrenvaleGLWindowController*> closedWindows_;
   // Open view windows, the one activated last at the back.
   std::vector<OrrenvaleGLWindowController*> activationOrder_;
   OrrenvaleGLWindowController* mainWindow_ = nullptr;

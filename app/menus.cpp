@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QTimer>
+#include <utility>
 
 #include "controller.h"
 #include "engine/world.h"
@@ -50,10 +51,11 @@ QAction* Controller::addItem(QMenu* menu, const char* name, const QString& title
 }
 
 void Controller::buildMenus() {
-  auto* file = new QMenu("&File");
-  auto* sim = new QMenu("&Simulation");
-  auto* viewMenu = new QMenu("&View");
-  bodyMenu_ = new QMenu("&Body");
+  menuOwner_ = new QWidget;
+  auto* file = new QMenu("&File", menuOwner_);
+  auto* sim = new QMenu("&Simulation", menuOwner_);
+  auto* viewMenu = new QMenu("&View", menuOwner_);
+  bodyMenu_ = new QMenu("&Body", menuOwner_);
   menus_ = {file, sim, viewMenu, bodyMenu_};
 
   connect(addItem(file, "menuFileNew", "&New"), &QAction::triggered, this,
@@ -263,8 +265,9 @@ void Controller::worldDeleteBody(Body& body) {
   const QString name = QString::fromUtf8(body.name);
   for (QAction* item : bodyMenuItems()) {
     if (itemTitle(item) == name) {
-      bodyMenu_->removeAction(item);
-      item->deleteLater();
+      // No body item is ever the action being triggered when a body goes,
+      // so the item can go at once.
+      delete item;
       return;
     }
   }
@@ -373,6 +376,8 @@ void Controller::viewWindowDidBecomeMain(OrrenvaleGLWindowController* window) {
 void Controller::viewWindowWillClose(OrrenvaleGLWindowController* window, bool byUser) {
   window->windowWillClose();
   checkWindowsLeft(byUser);
+  closedWindows_.push_back(window);
+  QTimer::singleShot(0, this, &Controller::deleteClosedWindows);
   std::erase(viewWindows_, window);
   std::erase(activationOrder_, window);
   if (mainWindow_ == window) {
@@ -384,6 +389,12 @@ void Controller::viewWindowWillClose(OrrenvaleGLWindowController* window, bool b
       next->window()->activateWindow();
       viewWindowDidBecomeMain(next);
     }
+  }
+}
+
+void Controller::deleteClosedWindows() {
+  for (OrrenvaleGLWindowController* window : std::exchange(closedWindows_, {})) {
+    delete window;
   }
 }
 

@@ -50,10 +50,9 @@ bool OrrenvaleGLWindowController::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::Close && !closed_) {
       closed_ = true;
       window_->hide();
+      // The controller deletes this object, and the window with it, once the
+      // close has been handled.
       Controller::instance()->viewWindowWillClose(this, event->spontaneous());
-      // The window goes with its controller once the close has been
-      // handled; nothing may touch it after this event.
-      deleteLater();
     }
   }
   return QObject::eventFilter(watched, event);

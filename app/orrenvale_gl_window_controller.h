@@ -7,8 +7,8 @@ class QMainWindow;
 
 // Controller of one view window: the window, its menu bar and the OrrenvaleGL
 // view that fills it. It tells the application controller when its window
-// becomes main and when it closes, and deletes itself (with the window) once
-// the window has closed.
+// becomes main and when it closes; the application controller then deletes
+// it, with the window.
 class OrrenvaleGLWindowController : public QObject {
   Q_OBJECT
 
