@@ -275,7 +275,7 @@ bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConst
       task.progressCapacity = blocks;
     }
     for (int r = 0; r < blocks; ++r) {
-      task.progress[r].tiles.store(0, std::memory_order_relaxed);
+      task.progress[static_cast<std::size_t>(r)].tiles.store(0, std::memory_order_relaxed);
     }
     pool_.run(task, blocks, threads - 1);
     const double ns = static_cast<double>(nanosecondsSince(start)) / pairs;
@@ -297,7 +297,7 @@ void FastPass::ForceTask::run(int row, int) {
     if (row > 0) {
       // Tile (row - 1, col) is the (col - row + 2)-th of the row above.
       const int needed = col - row + 2;
-      std::atomic<int>& above = progress[row - 1].tiles;
+      std::atomic<int>& above = progress[static_cast<std::size_t>(row - 1)].tiles;
       if (above.load(std::memory_order_acquire) < needed) {
         while (above.load(std::memory_order_acquire) < needed) {
           cpuRelax();
@@ -311,7 +311,7 @@ void FastPass::ForceTask::run(int row, int) {
       kernels->rectangle(packed, rowBegin, rowEnd, colBegin,
                          std::min(colBegin + blockSize, packed.count));
     }
-    progress[row].tiles.store(col - row + 1, std::memory_order_release);
+    progress[static_cast<std::size_t>(row)].tiles.store(col - row + 1, std::memory_order_release);
   }
 }
 

@@ -5,7 +5,9 @@
 
 // GCC 12's AVX-512 intrinsics start from _mm512_undefined_pd(), which its
 // flow analysis reports as maybe uninitialized wherever they are inlined.
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 
 #include "kernel_template.h"
 
