@@ -18,16 +18,10 @@ void putInt(PlistDict& d, const char* key, int64_t value) {
   d.insert(QString::fromLatin1(key), PlistValue::integer(value));
 }
 
-// A size in pixels written as an integer: truncated toward zero, and kept
-// inside the 32-bit range for sizes that are not numbers or are huge.
+// A size in pixels written as an integer: truncated toward zero and kept in
+// the 32-bit range, the reading the datafile code gives a real; 0 for NaN.
 int64_t truncatedSize(double value) {
-  if (!(value > -2147483648.0)) {
-    return value != value ? 0 : -2147483647 - 1;
-  }
-  if (value >= 2147483647.0) {
-    return 2147483647;
-  }
-  return static_cast<int64_t>(std::trunc(value));
+  return saturateToInt32(PlistValue::real(value).toInteger().value_or(0));
 }
 
 }  // namespace
