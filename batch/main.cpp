@@ -76,6 +76,11 @@ void printSummary(const World& world, int64_t steps) {
   printReal(c.x);
   printReal(c.y);
   printReal(c.z);
+  const Vector l = world.angularMomentum();
+  std::printf("\nangularMomentum");
+  printReal(l.x);
+  printReal(l.y);
+  printReal(l.z);
   std::printf("\n");
 }
 

@@ -198,6 +198,25 @@ Vector World::centerOfMass() const {
   return sum;
 }
 
+Vector World::angularMomentum() const {
+  const Vector r0 = centerOfMass();
+  Vector p;
+  double totalMass = 0.0;
+  forEachItem<Body>(*bodies, [&](const Body& b) {
+    p += b.mass * b.velocity;
+    totalMass += b.mass;
+  });
+  // Guarded division: with no mass to divide by the velocities count as they
+  // are.
+  const Vector v0 = p / totalMass;
+  Vector l;
+  forEachItem<Body>(
+      *bodies, [&](const Body& b) { l += cross(b.mass * (b.position - r0), b.velocity - v0); });
+  // Adding zero turns a negative zero into zero, so a world without rotation
+  // reports plain zeros.
+  return l + Vector();
+}
+
 void World::computeAccelerations() {
   clearAllForces();
   computeForces();

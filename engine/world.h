@@ -52,6 +52,11 @@ class World {
   double energy() const;
   Vector momentum() const;
   Vector centerOfMass() const;
+  // Orbital angular momentum about the centre of mass, in the frame moving
+  // with it: the sum of m (r - R) x (v - V). Spin is not modelled, so a merge
+  // that is not head-on turns the pair's relative angular momentum into spin
+  // that no body holds.
+  Vector angularMomentum() const;
   void computeAccelerations();
 
   // Collisions and traces. collide() first looks for a touching pair with a

@@ -100,7 +100,7 @@ TEST_F(Batch, SummaryListsTheStateInTabSeparatedLines) {
   ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
   EXPECT_EQ(run.out.toStdString(),
             "steps\t4\nelapsedTime\t2\nbodies\t1\nenergy\t0.5\nmomentum\t0\t1\t0\n"
-            "centerOfMass\t1\t3.5\t3\n");
+            "centerOfMass\t1\t3.5\t3\nangularMomentum\t0\t0\t0\n");
 }
 
 TEST_F(Batch, ProgressIsReportedOnStandardError) {

@@ -77,6 +77,26 @@ TEST(Collisions, MergeConservesMassMomentumAndVolumeAndMixesColourByVolume) {
   EXPECT_NEAR(m->color[0], red, 1e-7);
 }
 
+TEST(Collisions, HeadOnMergeKeepsTheWorldsAngularMomentum) {
+  World world;
+  // A third body far away gives the world an angular momentum; the merging
+  // pair moves along the line through its centres, so it has no angular
+  // momentum about its own centroid to lose.
+  addBody(world, vec(40, 3, 0), vec(0, 0.7, 0.2), 2.0, 0.5);
+  addBody(world, vec(0.3, 0.1, 0), vec(-1.2, -0.4, 0), 3.0, 0.7);
+  addBody(world, vec(-0.6, -0.2, 0), vec(2.4, 0.8, 0), 0.45, 0.6);
+  const Vector before = world.angularMomentum();
+  ASSERT_TRUE(world.collide());
+  ASSERT_EQ(world.bodies->count(), 2);
+  const Vector after = world.angularMomentum();
+  // Mass-weighted means of a few terms: rounding of order 1e-16 of the
+  // largest term (|L| is about 40 here).
+  for (auto [a, b] : {std::pair{before.x, after.x}, {before.y, after.y}, {before.z, after.z}}) {
+    EXPECT_NEAR(a, b, 1e-13);
+  }
+  EXPECT_GT(std::fabs(before.z), 1.0);
+}
+
 TEST(Collisions, OlderBodyAbsorbsEveryTouchingBodyInOnePass) {
   World world;
   addBody(world, vec(0, 0, 0));
