@@ -263,11 +263,11 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
 }
 
 TEST_F(DocumentTest, PrintHandsTheCapturedViewToThePrintDialog) {
-  controller->mainWindowController()->setContentSize(260, 180);
+  controller->mainWindowController()->setContentSize(300, 240);
   flush();
   QTest::qWait(100);
   item("menuFilePrint")->trigger();
-  EXPECT_EQ(panels.printed.size(), QSize(260, 180));
+  EXPECT_EQ(panels.printed.size(), QSize(300, 240));
 }
 
 }  // namespace
