@@ -325,9 +325,14 @@ INSTANTIATE_TEST_SUITE_P(
                 "not valid XML: the text is not UTF-8 (byte 0xc3 at line 5"}),
     [](const auto& p) { return std::string(p.param.name); });
 
-TEST_F(Batch, MissingFileAndFolderAreNamed) {
+TEST_F(Batch, MissingFileFolderFifoAndDeviceAreNamed) {
+  // A FIFO is refused without being opened: opening it would wait for a
+  // writer, and the run would hang here.
+  ASSERT_EQ(mkfifo(QFile::encodeName(path("fifo.ovd")).constData(), 0600), 0);
   for (const auto& [file, reason] :
-       {std::pair{path("absent.ovd"), "no such file"}, std::pair{dir_.path(), "is a directory"}}) {
+       {std::pair{path("absent.ovd"), "no such file"}, std::pair{dir_.path(), "is a directory"},
+        std::pair{path("fifo.ovd"), "not a regular file"},
+        std::pair{QStringLiteral("/dev/null"), "not a regular file"}}) {
     const BatchRun run = runBatch({file});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err,
