@@ -1,11 +1,17 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QImageReader>
 #include <QMainWindow>
 #include <QTemporaryDir>
+#include <atomic>
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 #include "app_test_support.h"
 #include "document/world_document.h"
@@ -193,6 +199,34 @@ TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
   panels.opens.push_back({path("garbage.ovd"), true, true, true});
   controller->openDocumentFromMenu(nullptr);
   EXPECT_EQ(viewWindowCount(), 0);
+}
+
+TEST_F(DocumentTest, FifoGivesTheDefaultWorldWithoutWaitingForAWriter) {
+  const QByteArray fifo = QFile::encodeName(path("world.ovd"));
+  ASSERT_EQ(mkfifo(fifo.constData(), 0600), 0);
+  // Opening the FIFO for reading would wait for a writer. This thread is one
+  // the moment anybody reads (its non-blocking open fails until then), so
+  // the test ends either way and tells whether the FIFO was opened.
+  std::atomic<bool> done = false;
+  std::atomic<bool> opened = false;
+  std::thread writer([&] {
+    while (!done) {
+      if (const int fd = ::open(fifo.constData(), O_WRONLY | O_NONBLOCK); fd >= 0) {
+        opened = true;
+        ::close(fd);
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+  controller->newBody(nullptr);
+  controller->openFile(path("world.ovd"));
+  done = true;
+  writer.join();
+  flush();
+  EXPECT_FALSE(opened);
+  EXPECT_EQ(world().bodies->count(), 0);
+  EXPECT_EQ(viewWindowCount(), 0);
+  EXPECT_TRUE(controller->editing());
 }
 
 TEST_F(DocumentTest, CancelledPanelsChangeNothing) {
