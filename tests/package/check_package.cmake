@@ -134,12 +134,19 @@ elseif(CHECK STREQUAL "ManPagesNameEveryOption")
     if(NOT options)
       message(FATAL_ERROR "no options found in the help of ${program}:\n${out}")
     endif()
-    # Without hyphenation or justification every option stays one word.
+    # Without hyphenation or justification every option stays one word. An
+    # option counts as described when it heads an entry of the OPTIONS
+    # section: a line indented by the section's 7 columns, not more.
     run(${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 MANWIDTH=200
       man --nh --nj -E UTF-8 -l ${root}/usr/share/man/man1/${program}.1.gz)
+    if(NOT out MATCHES "\nOPTIONS(\n.*)")
+      message(FATAL_ERROR "the manual page of ${program} has no OPTIONS section")
+    endif()
+    string(REGEX REPLACE "\n[A-Z].*" "" section "${CMAKE_MATCH_1}")
+    string(REGEX MATCHALL "\n       -[^\n]*" entries "${section}")
     foreach(option IN LISTS options)
-      if(NOT out MATCHES "(^|[^-a-z])${option}([^-a-z]|$)")
-        message(FATAL_ERROR "the manual page of ${program} does not name ${option}")
+      if(NOT entries MATCHES "(^|[^-a-z])${option}([^-a-z]|$)")
+        message(FATAL_ERROR "no entry of the manual page of ${program} describes ${option}")
       endif()
     endforeach()
   endforeach()
