@@ -93,6 +93,7 @@ elseif(CHECK STREQUAL "MetainfoValidates")
   # --strict fails on warnings and hints too, not only on errors.
   run(appstreamcli validate --no-net --strict ${metainfo})
   file(READ ${metainfo} xml)
+  # Releases are listed newest first.
   if(NOT xml MATCHES "<release version=\"([^\"]*)\"" OR NOT CMAKE_MATCH_1 STREQUAL VERSION)
     message(FATAL_ERROR "the newest release in ${metainfo} is '${CMAKE_MATCH_1}', not ${VERSION}")
   endif()
@@ -106,7 +107,8 @@ elseif(CHECK STREQUAL "MetainfoValidates")
 
 elseif(CHECK STREQUAL "ManPagesAreCompressedAndLintClean")
   foreach(page IN LISTS man_pages)
-    # gzip -9n: flags without a file name, time stamp 0, "best compression".
+    # The header gzip -9n writes: deflate, no flags (so no file name), time
+    # stamp 0, extra flags 2 ("best compression"); the operating system follows.
     file(READ ${page} header LIMIT 10 HEX)
     if(NOT header MATCHES "^1f8b08000000000002")
       message(FATAL_ERROR "${page} is not compressed with gzip -9n (header ${header})")
