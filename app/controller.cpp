@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "document/long_step.h"
 #include "document/world_document.h"
 #include "engine/world.h"
 #include "opengl_check.h"
@@ -169,8 +170,43 @@ void Controller::timerUpdate() {
   stepSim(nullptr);
 }
 
+namespace {
+
+// A step that runs long (adaptive stepping refining towards its smallest
+// substep can take hours) shows its progress in a modal panel whose Cancel
+// takes the step back. The step's arithmetic stays on this thread; the
+// panel lets the window system in between its integrations, while the
+// program's own timers wait as they do for any modal dialog.
+class PanelStepWatch : public LongStepWatch {
+ public:
+  void endStep() { panel_.reset(); }
+
+ protected:
+  bool report(const StepProgress& progress, double seconds) override {
+    if (panel_ == nullptr && panels() != nullptr) {
+      panel_ = panels()->openProgress(nullptr, QStringLiteral("Long Step"));
+    }
+    return panel_ == nullptr ||
+           panel_->update(longStepFraction(progress),
+                          QString::fromStdString(describeLongStep(progress, seconds)));
+  }
+
+ private:
+  std::unique_ptr<Panels::Progress> panel_;
+};
+
+}  // namespace
+
 void Controller::stepSim(QObject* /*sender*/) {
-  w->step();
+  PanelStepWatch watch;
+  watch.beginStep();
+  const bool stepped = w->step(&watch);
+  watch.endStep();
+  if (!stepped) {
+    // Cancelled: the world is as it was before the step, and stays so.
+    stopSim();
+    return;
+  }
   if (textPalette_->wantsText()) {
     textPalette_->writeLine();
   }

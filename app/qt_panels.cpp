@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -10,6 +11,7 @@
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -33,7 +35,39 @@ QCheckBox* addCheckBox(QWidget* accessory, const char* objectName, const QString
   return box;
 }
 
+// QProgressDialog counts in whole steps; a thousand show a smooth bar.
+constexpr int kProgressSteps = 1000;
+
+class DialogProgress : public Panels::Progress {
+ public:
+  DialogProgress(QWidget* parent, const QString& title) : dialog_(parent) {
+    dialog_.setWindowTitle(title);
+    dialog_.setRange(0, kProgressSteps);
+    dialog_.setMinimumDuration(0);
+    dialog_.setAutoClose(false);
+    dialog_.setAutoReset(false);
+    prepareModalDialog(dialog_);
+    dialog_.show();
+  }
+  bool update(double fraction, const QString& text) override {
+    if (dialog_.labelText() != text) {
+      dialog_.setLabelText(text);
+    }
+    // A modal progress dialog handles pending events as its value is set.
+    dialog_.setValue(static_cast<int>(fraction * kProgressSteps));
+    QCoreApplication::processEvents();
+    return !dialog_.wasCanceled();
+  }
+
+ private:
+  QProgressDialog dialog_;
+};
+
 }  // namespace
+
+std::unique_ptr<Panels::Progress> QtPanels::openProgress(QWidget* parent, const QString& title) {
+  return std::make_unique<DialogProgress>(parent, title);
+}
 
 QString QtPanels::withSuffix(const QString& path, const QString& suffix) {
   if (suffix.isEmpty() || path.endsWith('.' + suffix, Qt::CaseInsensitive)) {
@@ -54,8 +88,12 @@ std::optional<QString> QtPanels::runFileDialog(QFileDialog& dialog) {
     return std::nullopt;
   }
   const QString path = dialog.selectedFiles().first();
-  lastFolder_ = QFileInfo(path).absolutePath();
+  noteChosenFile(path);
   return path;
+}
+
+void QtPanels::noteChosenFile(const QString& path) {
+  lastFolder_ = QFileInfo(path).absolutePath();
 }
 
 Panels::Answer QtPanels::confirmSaveFirst(QWidget* parent) {

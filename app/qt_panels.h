@@ -16,10 +16,16 @@ class QtPanels : public Panels {
                                           const QString& requiredSuffix) override;
   bool printImage(QWidget* parent, const QImage& image) override;
   void alert(QWidget* parent, const QString& title, const QString& message) override;
+  std::unique_ptr<Progress> openProgress(QWidget* parent, const QString& title) override;
 
   // The path with the suffix added unless it already ends in it (or, for
   // "tiff", in the short form ".tif"), ignoring case.
   static QString withSuffix(const QString& path, const QString& suffix);
+
+  // The folder the next file panel starts in: the folder of the file last
+  // chosen in any of them (empty before the first: the working folder).
+  QString startFolder() const { return lastFolder_; }
+  void noteChosenFile(const QString& path);
 
  private:
   // Runs a file dialog in the folder last used and remembers the folder

@@ -1,8 +1,11 @@
 // orrenvale-batch: loads a datafile, steps the world as the application's step
 // command does, and writes a log, a datafile and a summary. For scripts and
 // people at a terminal, so every failure is reported on one line.
+#include <signal.h>
 #include <unistd.h>
 #include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -10,6 +13,7 @@
 #include "batch/batch_options.h"
 #include "batch/progress_bar.h"
 #include "document/log_line.h"
+#include "document/long_step.h"
 #include "document/output_file.h"
 #include "document/plist_writer.h"
 #include "document/world_document.h"
@@ -22,6 +26,62 @@ namespace {
 
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
+
+// Set by Ctrl+C (SIGINT) or SIGTERM: the run stops between two steps, or
+// within a long step, and writes nothing.
+volatile std::sig_atomic_t gStopSignal = 0;
+
+extern "C" void onStopSignal(int signal) {
+  gStopSignal = signal;
+}
+
+void catchStopSignals() {
+  struct sigaction action {};
+  action.sa_handler = onStopSignal;
+  sigemptyset(&action.sa_mask);
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+// Reports a step that runs long (adaptive stepping refining towards its
+// smallest substep): on a terminal one line redrawn in place, elsewhere a
+// line a second. Ctrl+C cancels the step, which leaves the world as it was.
+class RunnerStepWatch : public LongStepWatch {
+ public:
+  explicit RunnerStepWatch(bool terminal) : terminal_(terminal) {}
+
+  void beginStep(int64_t number) {
+    number_ = number;
+    LongStepWatch::beginStep();
+  }
+  void endStep() {
+    if (reported() && terminal_) {
+      std::fputc('\n', stderr);
+    }
+  }
+
+ protected:
+  bool allowed() override { return gStopSignal == 0; }
+  bool report(const StepProgress& progress, double seconds) override {
+    const auto now = Clock::now();
+    if (!terminal_ && now - lastLine_ < std::chrono::seconds(1)) {
+      return true;
+    }
+    lastLine_ = now;
+    std::fprintf(
+        stderr,
+        terminal_ ? "\rorrenvale-batch: step %lld: %s\x1b[K" : "orrenvale-batch: step %lld: %s\n",
+        static_cast<long long>(number_), describeLongStep(progress, seconds).c_str());
+    std::fflush(stderr);
+    return true;
+  }
+
+ private:
+  bool terminal_;
+  int64_t number_ = 0;
+  Clock::time_point lastLine_;
+};
 // The log is handed to the file in pieces of about this size.
 constexpr std::size_t kLogChunk = 1 << 16;
 
@@ -94,8 +154,20 @@ int run(const BatchOptions& options) {
   }
 
   std::string lines;
+  RunnerStepWatch watch(isatty(STDERR_FILENO) != 0);
   for (int64_t done = 1; done <= options.steps; ++done) {
-    world.step();
+    watch.beginStep(done);
+    const bool stepped = world.step(&watch);
+    watch.endStep();
+    if (!stepped || gStopSignal != 0) {
+      if (progress) {
+        std::fputc('\n', stderr);
+      }
+      // The log's new file goes with `log`; the old one stays as it was.
+      std::fprintf(stderr, "orrenvale-batch: interrupted in step %lld of %lld; nothing was saved\n",
+                   static_cast<long long>(done), static_cast<long long>(options.steps));
+      return 128 + (gStopSignal != 0 ? static_cast<int>(gStopSignal) : SIGINT);
+    }
     if (options.logPath) {
       appendLogLine(lines, world, reals);
       if (lines.size() >= kLogChunk) {
@@ -149,6 +221,7 @@ int main(int argc, char** argv) {
     std::printf("orrenvale-batch %s\n", ORRENVALE_VERSION);
     return 0;
   }
+  catchStopSignals();
   const int status = run(parsed.options);
   // The summary is buffered; a failure to write it shows when it is flushed.
   errno = 0;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -20,10 +21,10 @@ QString systemError() {
   return QString::fromLocal8Bit(std::strerror(errno));
 }
 
-// An unnamed file in the temporary folder ($TMPDIR or /tmp): created and
-// unlinked at once, so only this descriptor knows it.
-int openUnnamedFile() {
-  QByteArray pattern = QFile::encodeName(QDir::tempPath() + "/orrenvale-log-XXXXXX");
+// An unnamed file in the folder: created and unlinked at once, so only this
+// descriptor knows it.
+int openUnnamedFile(const QString& folder) {
+  QByteArray pattern = QFile::encodeName(folder + "/orrenvale-log-XXXXXX");
   const int fd = mkostemp(pattern.data(), O_CLOEXEC);
   if (fd >= 0) {
     unlink(pattern.constData());
@@ -32,6 +33,9 @@ int openUnnamedFile() {
 }
 
 }  // namespace
+
+LogStore::LogStore(QString folder)
+    : folder_(folder.isEmpty() ? QDir::tempPath() : std::move(folder)) {}
 
 LogStore::~LogStore() {
   if (fd_ >= 0) {
@@ -55,7 +59,7 @@ bool LogStore::append(std::string_view lines) {
 
 bool LogStore::spill() {
   if (fd_ < 0) {
-    fd_ = openUnnamedFile();
+    fd_ = openUnnamedFile(folder_);
     if (fd_ < 0) {
       error_ = systemError();
       return false;

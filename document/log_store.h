@@ -13,7 +13,9 @@ class QIODevice;
 // crash). Nothing is ever dropped: the whole log can be copied out again.
 class LogStore {
  public:
-  LogStore() = default;
+  // folder: where the unnamed file is made; the temporary folder ($TMPDIR
+  // or /tmp) by default.
+  explicit LogStore(QString folder = QString());
   ~LogStore();
   LogStore(const LogStore&) = delete;
   LogStore& operator=(const LogStore&) = delete;
@@ -37,6 +39,7 @@ class LogStore {
  private:
   bool spill();
 
+  QString folder_;
   int fd_ = -1;
   std::string buffer_;
   int64_t lines_ = 0;

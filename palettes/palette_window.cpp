@@ -11,6 +11,11 @@ PaletteWindow::PaletteWindow(const QString& objectName, const QString& title) {
   setObjectName(objectName);
   setWindowTitle(title);
   setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
+  // The window itself holds the keyboard focus until the user clicks into
+  // a field: an activated palette must not hand the menus' keys (Ctrl+=,
+  // Ctrl+arrows) to a text field nobody chose. A click on the palette's
+  // background takes the focus back from a field.
+  setFocusPolicy(Qt::ClickFocus);
   layout_ = new QVBoxLayout(this);
   layout_->setContentsMargins(8, 8, 8, 8);
   layout_->setSpacing(6);
@@ -36,6 +41,9 @@ void PaletteWindow::closeAsUser() {
 
 void PaletteWindow::showEvent(QShowEvent* event) {
   populateMenuBar();
+  if (focusWidget() == nullptr) {
+    setFocus();
+  }
   QWidget::showEvent(event);
 }
 

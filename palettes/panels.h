@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QString>
+#include <memory>
 #include <optional>
 
 class QDialog;
@@ -49,6 +50,18 @@ class Panels {
 
   // A message with a single "OK" button.
   virtual void alert(QWidget* parent, const QString& title, const QString& message) = 0;
+
+  // A modal progress panel with a Cancel button, for work that takes long;
+  // it goes when the object goes.
+  class Progress {
+   public:
+    virtual ~Progress() = default;
+    // Shows how far the work has come (0 to 1) and what it is doing, and
+    // lets the program answer the window system; false once the user has
+    // cancelled.
+    virtual bool update(double fraction, const QString& text) = 0;
+  };
+  virtual std::unique_ptr<Progress> openProgress(QWidget* parent, const QString& title) = 0;
 
   // The colour chooser of the palettes' colour wells; nothing on cancel. The
   // default runs the standard colour dialog, so implementations need only

@@ -11,6 +11,7 @@ packages=(
   libgl1-mesa-dri libglu1-mesa-dev
   xvfb xauth fonts-dejavu-core
   libxcb1-dev
+  openbox xdotool x11-utils
   dpkg-dev file appstream man-db
 )
 

@@ -39,6 +39,20 @@ class ScriptedPanels : public Panels {
     return true;
   }
   void alert(QWidget*, const QString& title, const QString&) override { alerts.push_back(title); }
+  // A progress panel that counts its updates and is cancelled at the
+  // cancelProgressAt-th one (never when 0).
+  std::unique_ptr<Progress> openProgress(QWidget*, const QString& title) override {
+    progressTitles.push_back(title);
+    struct Scripted : Progress {
+      explicit Scripted(ScriptedPanels& p) : panels(p) {}
+      bool update(double, const QString& text) override {
+        panels.progressTexts.push_back(text);
+        return static_cast<int>(panels.progressTexts.size()) != panels.cancelProgressAt;
+      }
+      ScriptedPanels& panels;
+    };
+    return std::make_unique<Scripted>(*this);
+  }
 
   Answer confirmAnswer = Answer::DontSave;
   int confirmations = 0;
@@ -49,6 +63,9 @@ class ScriptedPanels : public Panels {
   QString lastFileSuffix;
   QImage printed;
   std::vector<QString> alerts;
+  std::vector<QString> progressTitles;
+  std::vector<QString> progressTexts;
+  int cancelProgressAt = 0;
 
  private:
   template <typename T>

@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <QDialog>
+#include <QFile>
+#include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <algorithm>
 #include <ostream>
 
 #include "app/splash_window.h"
@@ -264,13 +270,105 @@ TEST_F(AppTest, PaletteTogglesKeepFlagMarkAndWindowInStep) {
   EXPECT_FALSE(item("menuSimOutput")->isChecked());
 }
 
-TEST_F(AppTest, WindowTitleSetsTheMinimumSize) {
+TEST_F(AppTest, WindowTitleSetsAMinimumThatShowsTitleAndMenusWithinTheScreen) {
   QMainWindow* window = controller->mainWindowController()->window();
-  controller->setWindowTitleAndMinSize(window, "A rather long view name for this window");
-  EXPECT_EQ(window->windowTitle(), "A rather long view name for this window");
+  const QSize asked = window->size();
+  const QString title = "A rather long view name for this window";
+  controller->setWindowTitleAndMinSize(window, title);
+  EXPECT_EQ(window->windowTitle(), title);
   EXPECT_EQ(window->minimumWidth(), window->minimumHeight());
-  EXPECT_GT(window->minimumWidth(),
-            QFontMetrics(window->font()).horizontalAdvance("A rather long view name"));
+  QFont bold = window->font();
+  bold.setBold(true);
+  EXPECT_GT(window->minimumWidth(), QFontMetrics(bold).horizontalAdvance(title));
+  EXPECT_GE(window->minimumWidth(), window->menuBar()->sizeHint().width());
+
+  // A name far too long for the screen: the window grows to the screen and
+  // no further, and shrinks back to the size it had once the name is short.
+  const QSize screen = window->screen()->availableSize();
+  controller->setWindowTitleAndMinSize(window, QString(254, QChar('W')));
+  EXPECT_LE(window->width(), screen.width());
+  EXPECT_LE(window->height(), screen.height());
+  controller->setWindowTitleAndMinSize(window, "View 0");
+  EXPECT_EQ(window->size(), asked);
+}
+
+TEST_F(AppTest, SizeFromADatafileIsBoundedByTheScreen) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath("huge.ovd");
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
+    <key>Views</key><dict><key>0</key><dict>
+    <key>Window width</key><integer>100000</integer>
+    <key>Window height</key><integer>2147483647</integer></dict></dict></dict></plist>)");
+  file.close();
+  controller->openFile(path);
+  ASSERT_EQ(viewWindowCount(), 1);
+  QMainWindow* window = controller->mainWindowController()->window();
+  const QRect area = window->screen()->availableGeometry();
+  EXPECT_LE(window->width(), area.width());
+  EXPECT_LE(window->height(), area.height());
+  EXPECT_TRUE(area.contains(window->geometry().topLeft()));
+}
+
+TEST_F(AppTest, SplashLinesReadOneAboveTheOtherOnALightGround) {
+  SplashWindow* splash = controller->splashWindow();
+  QList<QLabel*> lines;
+  for (QLabel* label : splash->findChildren<QLabel*>())
+    if (!label->text().isEmpty())
+      lines.push_back(label);
+  ASSERT_EQ(lines.size(), 2);
+  std::sort(lines.begin(), lines.end(),
+            [](QLabel* a, QLabel* b) { return a->geometry().top() < b->geometry().top(); });
+  // The upper line's text sits at the top of its box, the lower line's at
+  // the bottom: their text rows do not overlap.
+  const int upperBottom = lines[0]->geometry().top() + lines[0]->fontMetrics().height();
+  const int lowerTop = lines[1]->geometry().bottom() + 1 - lines[1]->fontMetrics().height();
+  EXPECT_LE(upperBottom, lowerTop);
+  // Under both lines the picture is light, so grey 0.3 and 0.6 read well.
+  const QImage picture = splash->grab().toImage();
+  for (QLabel* line : lines) {
+    const QColor ground =
+        picture.pixelColor(line->geometry().left() + 2, line->geometry().center().y());
+    EXPECT_GT(ground.lightness(), 200) << line->text().toStdString();
+  }
+}
+
+// An adaptive step that would refine for hours shows a progress panel; its
+// Cancel leaves the world as it was before the step and stops the run.
+TEST_F(AppTest, CancellingALongStepRestoresTheWorldAndStops) {
+  World& w = world();
+  w.gravitationalConstant = 1;
+  w.adaptive = true;
+  w.timeStep = 100;
+  for (double side : {1.0, -1.0}) {
+    controller->newBody(nullptr);
+    Body* b = w.findBodyById(controller->currentView()->selectedBodyID);
+    b->position = Vector::of(side, 0, 0);
+    b->velocity = Vector::of(0, 0.05 * side, 0);
+    b->radius = 0;
+    b->traceEnable = true;
+  }
+  controller->edit(nullptr);
+  w.computeAccelerations();
+  auto state = [&w] {
+    std::vector<double> values{w.elapsedTime, static_cast<double>(w.tracePoints->count())};
+    forEachItem<Body>(*w.bodies, [&](const Body& b) {
+      for (const Vector* v : {&b.position, &b.velocity, &b.acceleration})
+        values.insert(values.end(), {v->x, v->y, v->z});
+    });
+    return values;
+  };
+  const std::vector<double> before = state();
+  panels.cancelProgressAt = 2;
+  controller->toggleSim(nullptr);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !controller->running(); }, 60000));
+  EXPECT_EQ(panels.progressTitles, std::vector<QString>{"Long Step"});
+  ASSERT_EQ(panels.progressTexts.size(), 2u);
+  EXPECT_TRUE(panels.progressTexts[0].startsWith("Refining the time step"));
+  EXPECT_EQ(state(), before);
+  EXPECT_FALSE(item("menuSimRun")->isChecked());
+  EXPECT_TRUE(item("menuSimStep")->isEnabled());
 }
 
 }  // namespace

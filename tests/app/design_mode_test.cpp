@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "app/orrenvale_gl_window_controller.h"
 #include "app_test_support.h"
 #include "palettes/body_window_controller.h"
 #include "view/orrenvale_gl.h"
@@ -138,6 +139,43 @@ TEST_F(AppTest, ResetDiscardsDesignChanges) {
   controller->edit(nullptr);
   controller->edit(nullptr);
   EXPECT_EQ(world().bodies->count(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+std::vector<QPoint> viewWindowPositions(const Controller& c) {
+  std::vector<QPoint> at;
+  for (const OrrenvaleGLWindowController* w : c.viewWindows())
+    at.push_back(w->window()->geometry().topLeft());
+  return at;
+}
+
+// Round trips close and reopen the view windows; each comes back where its
+// window was when it closed, not in the cascade of new windows.
+TEST_F(AppTest, ViewWindowsReopenWhereTheyWere) {
+  controller->newView(nullptr);
+  const std::vector<QPoint> placed = {QPoint(310, 220), QPoint(520, 360)};
+  for (std::size_t i = 0; i < placed.size(); ++i) {
+    QWidget* window = controller->viewWindows()[i]->window();
+    window->setGeometry(QRect(placed[i], window->size()));
+  }
+  controller->edit(nullptr);  // leave design mode: the windows stay
+  controller->edit(nullptr);  // enter it again: they close and reopen
+  EXPECT_EQ(viewWindowPositions(*controller), placed);
+
+  // Moved during a run, a window comes back where it was at Revert.
+  controller->edit(nullptr);
+  QWidget* first = controller->viewWindows()[0]->window();
+  first->setGeometry(QRect(QPoint(100, 90), first->size()));
+  controller->newView(nullptr);  // not part of the design: gone after Revert
+  controller->revertSim(nullptr);
+  EXPECT_EQ(viewWindowPositions(*controller), (std::vector<QPoint>{QPoint(100, 90), placed[1]}));
+
+  // Edit Current takes the windows as they are.
+  controller->editCurrent(nullptr);
+  EXPECT_EQ(viewWindowPositions(*controller), (std::vector<QPoint>{QPoint(100, 90), placed[1]}));
 }
 
 }  // namespace

@@ -7,11 +7,14 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <csignal>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include "batch/progress_bar.h"
 
@@ -369,6 +372,53 @@ INSTANTIATE_TEST_SUITE_P(
         Usage{"LogWithoutFile", {"a.ovd", "--log"}, "option '--log' needs a file name"},
         Usage{"FlagWithValue", {"--summary=yes", "a.ovd"}, "option '--summary' takes no value"}),
     [](const auto& p) { return std::string(p.param.name); });
+
+// Two point bodies falling almost straight at each other with a time step
+// of 100: the adaptive step refines for hours.
+const QByteArray kLongStep = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+  <key>Time step</key><real>100</real>
+  <key>Adaptive time stepping</key><true/>
+  <key>Gravitational constant</key><real>1</real>
+  <key>Bodies</key><dict>
+    <key>100</key><dict><key>Position X</key><real>1</real><key>Velocity Y</key><real>0.05</real>
+      <key>Radius</key><real>0</real></dict>
+    <key>101</key><dict><key>Position X</key><real>-1</real><key>Velocity Y</key><real>-0.05</real>
+      <key>Radius</key><real>0</real></dict>
+  </dict>
+</dict></plist>
+)";
+
+TEST_F(Batch, CtrlCInALongStepShowsProgressAndLeavesEveryFileAsItWas) {
+  const QString log = write("log.txt", "old log\n");
+  QProcess process;
+  process.start(QStringLiteral(ORRENVALE_BATCH),
+                {QStringLiteral("-n"), QStringLiteral("3"), QStringLiteral("--log"), log,
+                 QStringLiteral("--save"), path("out.ovd"), write("long.ovd", kLongStep)});
+  // The step reports where it stands within half a second or so.
+  QByteArray err;
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] {
+        process.waitForReadyRead(50);
+        err += process.readAllStandardError();
+        return err.contains("step 1: Refining the time step");
+      },
+      30000))
+      << err.toStdString();
+  ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+  ASSERT_TRUE(process.waitForFinished(30000));
+  err += process.readAllStandardError();
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(process.exitCode(), 128 + SIGINT);
+  EXPECT_TRUE(err.endsWith("orrenvale-batch: interrupted in step 1 of 3; nothing was saved\n"))
+      << err.toStdString();
+  QFile kept(log);
+  ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+  EXPECT_EQ(kept.readAll(), "old log\n");
+  // No save, and no temporary file left beside either target.
+  EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden).size(), 2)
+      << QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden).join(' ').toStdString();
+}
 
 TEST(BatchInfo, HelpAndVersionGoToStandardOutput) {
   const BatchRun help = runBatch({QStringLiteral("--help")});

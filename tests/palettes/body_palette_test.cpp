@@ -4,6 +4,7 @@
 #include "palette_test_support.h"
 #include "palettes/body_window_controller.h"
 #include "palettes/color_well.h"
+#include "palettes/number_text.h"
 #include "view/view.h"
 
 namespace {
@@ -232,6 +233,42 @@ TEST_F(BodyPalette, TypedPositionSurvivesARunningSimulationUntilCommitted) {
   // The next steps start from the typed position: 42 plus at most a few
   // steps of motion along x, far from the 100 it had.
   EXPECT_LT(std::abs(moon->position.x - 42.0), 1.0);
+}
+
+TEST_F(BodyPalette, ClickedFieldKeepsRefreshingAndReturnWithoutTypingCommitsNothing) {
+  moon->position = Vector::of(100, 0, 0);
+  moon->velocity = Vector::of(0, 50, 0);
+  view.selectedBodyID = moon->id;
+  show();
+  win->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(win));
+  QLineEdit* py = f("py");
+  QTest::mouseClick(py, Qt::LeftButton);
+  ASSERT_TRUE(py->hasFocus());
+  // The body moves on; the focused field follows it until the user types.
+  for (int i = 0; i < 10; ++i)
+    host.w.step();
+  const QString moved = formatReal(moon->position.y);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return py->text() == moved; }, 2000));
+  const Vector before = moon->position;
+  for (int i = 0; i < 10; ++i)
+    host.w.step();
+  // Return in the untouched field writes nothing back: the body is not
+  // moved to the value the field showed.
+  QTest::keyClick(py, Qt::Key_Return);
+  EXPECT_NE(moon->position.y, before.y);
+  EXPECT_EQ(host.count("worldRenameBody"), 0);
+}
+
+TEST_F(BodyPalette, NarrowFieldsShowTheStartOfAnyNumber) {
+  earth->velocity = Vector::of(-1.23456789e-05, -987654321.0, -1e-300);
+  show();
+  for (const char* name : {"vx", "vy", "vz"}) {
+    QLineEdit* v = f(name);
+    EXPECT_EQ(v->cursorPosition(), 0) << name;
+    EXPECT_GE(v->width(), v->fontMetrics().horizontalAdvance(v->text())) << name;
+  }
+  EXPECT_EQ(f("vx")->text(), QStringLiteral("-1.23457e-05"));
 }
 
 TEST_F(BodyPalette, BodyDeletedWhileTypingLeavesNothingCommitted) {

@@ -141,6 +141,7 @@ class ScriptedPanels : public Panels {
   bool printImage(QWidget*, const QImage&) override { return false; }
   void alert(QWidget*, const QString&, const QString&) override {}
   std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
+  std::unique_ptr<Progress> openProgress(QWidget*, const QString&) override { return nullptr; }
 
   std::optional<QString> savePath;
   std::optional<QColor> color;

@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -122,6 +123,43 @@ TEST_F(TextOutput, SaveWritesTheWholeLogAsUtf8) {
   QFile saved(*dialogs.savePath);
   ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
   EXPECT_EQ(saved.readAll().toStdString(), palette.text());
+}
+
+// A long log of a large world: the text view holds only the newest lines,
+// each cut to its first fields, while Save writes every line in full.
+TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
+  for (int i = 0; i < 40; ++i) {
+    Body* b = host.w.createBody();
+    b->position = Vector::of(1000.0 * i, 0, 0);
+  }
+  host.showOutputPaletteFromMenu(nullptr);
+  palette.clickBegin(nullptr);
+  constexpr int kSteps = 3000;  // about 15 MB of log
+  for (int i = 0; i < kSteps; ++i)
+    stepSim();
+  const std::string log = palette.text();
+  const std::string newest = log.substr(log.rfind('\n', log.size() - 2) + 1, 100);
+  // The newest line reaches the view within its show interval.
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] {
+        const QStringList shown = viewtext()->toPlainText().split('\n', Qt::SkipEmptyParts);
+        return !shown.isEmpty() && shown.back().startsWith(QString::fromStdString(newest));
+      },
+      2000));
+  EXPECT_EQ(palette.lineCount(), kSteps);
+  EXPECT_LE(viewtext()->blockCount(), 300);  // 256 KB of lines cut to 1 KB
+  for (const QString& line : viewtext()->toPlainText().split('\n'))
+    EXPECT_LE(line.size(), 1030);
+  const QString status = palette.window()->findChild<QLabel*>("lineCount")->text();
+  EXPECT_TRUE(status.startsWith(QStringLiteral("3,000 lines (the newest"))) << status.toStdString();
+
+  QTemporaryDir dir;
+  dialogs.savePath = dir.filePath(QStringLiteral("run.txt"));
+  palette.clickSave(nullptr);
+  QFile saved(*dialogs.savePath);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  EXPECT_EQ(saved.readAll().toStdString(), log);
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), kSteps);
 }
 
 TEST_F(TextOutput, CancelledOrFailedSaveWritesNothing) {

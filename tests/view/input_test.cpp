@@ -127,6 +127,18 @@ TEST_P(InputWheel, WheelZoomsByWholeNotchesOnly) {
   expectCamera(*gl.view(), GetParam().eyeZ, 0);
 }
 
+// A touchpad scrolls a notch in many small deltas: they add up, and each
+// whole notch zooms one step, as a wheel's notch does.
+TEST_F(ViewFixture, SmoothScrollingZoomsOneStepPerWholeNotch) {
+  OrrenvaleGL& gl = openView(300, 200);
+  for (int i = 0; i < 5; ++i)
+    wheel(gl, 30);
+  expectCamera(*gl.view(), 360, 0);  // 150 units: one notch, 30 left over
+  for (int i = 0; i < 3; ++i)
+    wheel(gl, 30);
+  expectCamera(*gl.view(), 324, 0);  // 240 units: the second notch
+}
+
 INSTANTIATE_TEST_SUITE_P(Deltas, InputWheel,
                          ::testing::Values(WheelCase{120, 360}, WheelCase{-120, 440},
                                            WheelCase{60, 400}, WheelCase{-119, 400},
