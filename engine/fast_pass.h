@@ -27,6 +27,14 @@ class FastPass {
   // False when no two active bodies touch; true when some pair touches or the
   // test was not made (reference path, instance in use).
   bool mayTouch(const LinkedList& bodies);
+  // The same two passes for one block of the work, on the calling thread: the
+  // forces of the active bodies [begin, end) (in list order) from all their
+  // partners, written to those bodies only; and the touch test of the pairs
+  // whose earlier body is in [begin, end). Same return values as above. The
+  // force block must start at a multiple of 8 (see forceBlockStart).
+  bool computeBlockForces(const LinkedList& bodies, double gravitationalConstant, int begin,
+                          int end);
+  bool mayTouchRows(const LinkedList& bodies, int begin, int end);
 
   bool setPath(KernelPath path);
   KernelPath path() const { return path_.load(); }
