@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "batch/batch_job.h"
 #include "batch/batch_options.h"
 #include "batch/progress_bar.h"
 #include "document/log_line.h"
@@ -19,8 +20,6 @@
 
 namespace {
 
-constexpr int kExitFailure = 1;
-constexpr int kExitUsage = 2;
 // The log is handed to the file in pieces of about this size.
 constexpr std::size_t kLogChunk = 1 << 16;
 
@@ -84,8 +83,8 @@ void printSummary(const World& world, int64_t steps) {
   std::printf("\n");
 }
 
-int run(const BatchOptions& options) {
-  DocumentReadResult read = readDocumentFile(options.world);
+int run(const BatchOptions& options, BatchJob& job) {
+  DocumentReadResult read = job.readWorldFile(options.world);
   if (!read.dict) {
     report(options.world, read.error);
     return kExitFailure;
@@ -110,6 +109,7 @@ int run(const BatchOptions& options) {
   }
 
   std::string lines;
+  job.start();
   for (int64_t done = 1; done <= options.steps; ++done) {
     world.step();
     if (options.logPath) {
@@ -150,8 +150,12 @@ int run(const BatchOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  BatchJob job(&argc, &argv);
   const std::vector<std::string> args(argv + 1, argv + argc);
   const BatchOptionsResult parsed = parseBatchOptions(args, isatty(STDERR_FILENO) != 0);
+  if (!job.leads()) {
+    return job.follow(parsed);
+  }
   if (!parsed.error.isEmpty()) {
     std::fprintf(stderr, "orrenvale-batch: %s\n\n%s", qUtf8Printable(parsed.error), batchUsage());
     return kExitUsage;
@@ -164,5 +168,5 @@ int main(int argc, char** argv) {
     std::printf("orrenvale-batch %s\n", ORRENVALE_VERSION);
     return 0;
   }
-  return run(parsed.options);
+  return job.finish(run(parsed.options, job));
 }

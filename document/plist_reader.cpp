@@ -361,7 +361,7 @@ PlistReadResult readPlist(const QByteArray& xml) {
   return Reader(xml).read();
 }
 
-PlistReadResult readPlistFile(const QString& path) {
+FileBytesResult readPlistFileBytes(const QString& path) {
   const QFileInfo info(path);
   if (!info.exists()) {
     return {std::nullopt, QStringLiteral("no such file")};
@@ -388,5 +388,13 @@ PlistReadResult readPlistFile(const QString& path) {
   if (file.error() != QFileDevice::NoError) {
     return {std::nullopt, QStringLiteral("cannot be read (%1)").arg(file.errorString())};
   }
-  return readPlist(bytes);
+  return {bytes, QString()};
+}
+
+PlistReadResult readPlistFile(const QString& path) {
+  FileBytesResult read = readPlistFileBytes(path);
+  if (!read.bytes) {
+    return {std::nullopt, read.error};
+  }
+  return readPlist(*read.bytes);
 }
