@@ -11,6 +11,7 @@ packages=(
   libgl1-mesa-dri libglu1-mesa-dev
   xvfb xauth fonts-dejavu-core
   libxcb1-dev
+  libopenmpi-dev openmpi-bin
 )
 
 missing=()

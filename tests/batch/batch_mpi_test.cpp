@@ -26,10 +26,18 @@ struct Outcome {
 };
 
 // Open MPI refuses to run as root (as CI does) unless told that it may.
+// Under the sanitizers its leaks are suppressed by library name, which needs
+// its plugins still loaded at exit and stacks unwound through its libraries,
+// which are built without frame pointers.
 QProcessEnvironment jobEnvironment() {
   QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
   env.insert(QStringLiteral("OMPI_ALLOW_RUN_AS_ROOT"), QStringLiteral("1"));
   env.insert(QStringLiteral("OMPI_ALLOW_RUN_AS_ROOT_CONFIRM"), QStringLiteral("1"));
+  env.insert(QStringLiteral("OMPI_MCA_mca_base_component_disable_dlclose"), QStringLiteral("1"));
+  if (env.contains(QStringLiteral("ASAN_OPTIONS"))) {
+    env.insert(QStringLiteral("ASAN_OPTIONS"), env.value(QStringLiteral("ASAN_OPTIONS")) +
+                                                   QStringLiteral(":fast_unwind_on_malloc=0"));
+  }
   return env;
 }
 
