@@ -175,6 +175,15 @@ const KernelSet* FastPass::kernelSet() const {
   return nullptr;
 }
 
+const KernelSet* FastPass::claim(std::unique_lock<std::mutex>& lock) {
+  const KernelSet* kernels = kernelSet();
+  if (kernels == nullptr) {
+    return nullptr;
+  }
+  lock = std::unique_lock(mutex_, std::try_to_lock);
+  return lock.owns_lock() ? kernels : nullptr;
+}
+
 int FastPass::pack(const LinkedList& bodies, bool radii) {
   active_.clear();
   for (ListNode* node = bodies.head(); node != nullptr; node = node->next) {
@@ -246,12 +255,9 @@ void FastPass::judge(bool worthwhile) {
 }
 
 bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConstant) {
-  const KernelSet* kernels = kernelSet();
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
   if (kernels == nullptr) {
-    return false;
-  }
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock.owns_lock()) {
     return false;
   }
   const int n = pack(bodies, false);
@@ -322,12 +328,9 @@ void FastPass::ForceTask::run(int row, int) {
 }
 
 bool FastPass::mayTouch(const LinkedList& bodies) {
-  const KernelSet* kernels = kernelSet();
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
   if (kernels == nullptr) {
-    return true;
-  }
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock.owns_lock()) {
     return true;
   }
   const int n = pack(bodies, true);
@@ -379,12 +382,9 @@ void FastPass::TouchTask::run(int chunk, int) {
 // needing no partial sums from other blocks.
 bool FastPass::computeBlockForces(const LinkedList& bodies, double gravitationalConstant, int begin,
                                   int end) {
-  const KernelSet* kernels = kernelSet();
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
   if (kernels == nullptr) {
-    return false;
-  }
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock.owns_lock()) {
     return false;
   }
   const int n = pack(bodies, false);
@@ -405,12 +405,9 @@ bool FastPass::computeBlockForces(const LinkedList& bodies, double gravitational
 }
 
 bool FastPass::mayTouchRows(const LinkedList& bodies, int begin, int end) {
-  const KernelSet* kernels = kernelSet();
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
   if (kernels == nullptr) {
-    return true;
-  }
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock.owns_lock()) {
     return true;
   }
   const int n = pack(bodies, true);

@@ -80,6 +80,9 @@ class FastPass {
   };
 
   const KernelSet* kernelSet() const;
+  // The kernels of the chosen path, with the instance locked for one pass;
+  // null when the reference path is chosen or another thread holds it.
+  const KernelSet* claim(std::unique_lock<std::mutex>& lock);
   // Copies the active bodies into the packed arrays; radii instead of masses
   // for the touch test. Returns the count.
   int pack(const LinkedList& bodies, bool radii);

@@ -7,11 +7,10 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-#include <cmath>
-#include <random>
 
 #include "document/plist_writer.h"
 #include "document/world_document.h"
+#include "tests/engine/test_support.h"
 
 // The runner started by mpirun with 1 to 4 processes must write exactly the
 // bytes that the runner alone writes: the log with every real in full, the
@@ -68,21 +67,11 @@ Outcome runJob(int processes, const QStringList& args) {
   return runProgram(QStringLiteral(MPIEXEC), jobArgs(processes, args));
 }
 
-// Bodies at random in a cube, G = 1. Half-unit radii in a cube of side 20
-// put some pairs in contact at once and bring more together within a few
-// steps, so that both collision passes of a step find pairs.
+// Clusters of bodies in which some pairs touch at once and more come into
+// contact within a few steps, so that both collision passes of a step find
+// pairs.
 void addBodies(World& world, int n, double halfSide, uint64_t seed) {
-  std::mt19937_64 rng(seed);
-  std::uniform_real_distribution<double> unit(-1.0, 1.0);
-  for (int k = 0; k < n; ++k) {
-    Body* b = world.createBody();
-    b->position = Vector::of(unit(rng) * halfSide, unit(rng) * halfSide, unit(rng) * halfSide);
-    b->velocity = Vector::of(unit(rng), unit(rng), unit(rng));
-    b->mass = 1.0 + std::fabs(unit(rng)) * 10.0;
-    b->radius = 0.4 + 0.2 * std::fabs(unit(rng));
-    b->color[0] = static_cast<float>(std::fabs(unit(rng)));
-  }
-  world.gravitationalConstant = 1.0;
+  addRandomCluster(world, n, halfSide, seed);
   world.timeStep = 0.05;
 }
 

@@ -12,6 +12,7 @@
 #include "engine/distributed_passes.h"
 #include "engine/speed.h"
 #include "engine/world.h"
+#include "test_support.h"
 
 // The fast passes must give exactly the bits of the plain passes over the
 // body list, on every instruction set and with any number of threads. Two
@@ -289,18 +290,7 @@ std::vector<double> stateOf(const World& world) {
 // test refines down to its 1e-8 bound; a time step of 1e-7 keeps that to a
 // few levels.
 void fillCluster(World& world, bool merge, bool adaptive) {
-  std::mt19937_64 rng(42);
-  std::uniform_real_distribution<double> unit(-1.0, 1.0);
-  const int n = adaptive ? 70 : 200;
-  for (int k = 0; k < n; ++k) {
-    Body* b = world.createBody();
-    b->position = Vector::of(unit(rng) * 10.0, unit(rng) * 10.0, unit(rng) * 10.0);
-    b->velocity = Vector::of(unit(rng), unit(rng), unit(rng));
-    b->mass = 1.0 + std::fabs(unit(rng)) * 10.0;
-    b->radius = 0.4 + 0.2 * std::fabs(unit(rng));
-    b->color[0] = static_cast<float>(std::fabs(unit(rng)));
-  }
-  world.gravitationalConstant = 1.0;
+  addRandomCluster(world, adaptive ? 70 : 200, 10.0, 42);
   world.timeStep = adaptive ? 1e-7 : 0.05;
   world.merge = merge;
   world.restitution = 0.5;
