@@ -122,6 +122,10 @@ const WorldCase kWorlds[] = {
     {"NoBodies", 3, [](World&) {}},
 };
 
+void PrintTo(const WorldCase& c, std::ostream* os) {
+  *os << c.name;
+}
+
 class Job : public ::testing::Test {
  protected:
   QString writeWorld(const WorldCase& c) {
