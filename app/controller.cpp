@@ -17,6 +17,7 @@
 #include "palettes/text_output_controller.h"
 #include "palettes/view_window_controller.h"
 #include "splash_window.h"
+#include "text_field_keys.h"
 #include "view/orrenvale_gl.h"
 
 namespace {
@@ -63,6 +64,8 @@ Controller::Controller() {
   placePalette(viewPalette_->window(), 4, 0);
   placePalette(bodyPalette_->window(), 34, 25);
   placePalette(simPalette_->window(), 64, 50);
+
+  new TextFieldKeys(this);
 
   // awakeFromNib
   accelerationTimer_ = new QTimer(this);
@@ -112,6 +115,10 @@ bool Controller::applicationDidFinishLaunching() {
     return false;
   }
   splash_ = new SplashWindow;
+  // The splash is active at start-up; the menus' keys work there too.
+  for (QAction* item : commandItems()) {
+    splash_->addAction(item);
+  }
   showViewPaletteFromMenu(nullptr);
   showBodyPaletteFromMenu(nullptr);
   showSimulationPaletteFromMenu(nullptr);

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
 #include <QString>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "document/plist_value.h"
@@ -104,6 +107,10 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   // View windows and menus.
   void newView(QObject* sender);
   OrrenvaleGLWindowController* newWindow();
+  // Opens a view window as newWindow does, with its own area (inside the
+  // frame) at the given screen position or, without one, in the cascade of
+  // new windows.
+  OrrenvaleGLWindowController* openViewWindow(std::optional<QPoint> position);
   void setWindowTitleAndMinSize(QWidget* window, const QString& title) override;
   void closeAllWindows();
   void setUpViewMenu();
@@ -116,6 +123,12 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   void deleteAllBodies(QObject* sender);
   // Deletes the current view's selected body, as the view's delete key does.
   void deleteSelectedBody(QObject* sender);
+  // Closes the active window as its close box would: a view window closes,
+  // a palette is hidden through its toggle.
+  void closeActiveWindow(QObject* sender);
+  // Every command item of the menus (not the body items), for windows that
+  // take the menus' keys without showing a menu bar.
+  std::vector<QAction*> commandItems() const;
 
   // Body menu callbacks.
   void worldCreateBody(Body& body) override;
@@ -151,6 +164,11 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   // otherwise show the Simulation palette so the menus stay reachable.
   void checkWindowsLeft(bool closedByUser);
   void deleteClosedWindows();
+  // Loads editState into the world, reopening the design's view windows
+  // where they were when they closed.
+  void loadDesignState();
+  // Notes which open windows the design state's views are, in order.
+  void rememberDesignWindows();
   // True while a modal dialog or a menu is open: timers then do nothing.
   static bool eventLoopIsBlocked();
   // Hides a shown palette or shows a hidden one, keeping its flag and
@@ -218,5 +236,13 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   // Open view windows, the one activated last at the back.
   std::vector<OrrenvaleGLWindowController*> activationOrder_;
   OrrenvaleGLWindowController* mainWindow_ = nullptr;
+  // Every view window gets a serial number; the design state's views are the
+  // windows designWindows_ names, in order, and closedAt_ keeps where each
+  // window was when it closed, so a design-mode round trip, Revert or a save
+  // of the design state reopens the windows where they were.
+  int nextWindowSerial_ = 0;
+  std::vector<int> designWindows_;
+  std::unordered_map<int, QPoint> closedAt_;
+  bool loadingDesign_ = false;
   QPointer<SplashWindow> splash_;
 };

@@ -4,6 +4,7 @@
 
 #include "controller.h"
 #include "engine/world.h"
+#include "orrenvale_gl_window_controller.h"
 #include "palettes/panels.h"
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
@@ -19,10 +20,7 @@ void Controller::edit(QObject* /*sender*/) {
     menuSimRevert->setEnabled(true);
     editing_ = false;
   } else {
-    // The load reads editState while it rebuilds the world; work on a copy
-    // so the design state stays what it was.
-    const PlistDict design = editState_;
-    loadToCurrentStateFromDict(&design, true, true, true);
+    loadDesignState();
     menuSimEdit->setChecked(true);
     menuSimRun->setEnabled(false);
     menuSimStep->setEnabled(false);
@@ -42,9 +40,33 @@ void Controller::editCurrent(QObject* /*sender*/) {
 
 void Controller::revertSim(QObject* /*sender*/) {
   stopSim();
-  const PlistDict design = editState_;
-  loadToCurrentStateFromDict(&design, true, true, true);
+  loadDesignState();
   simulationPaletteController()->setControlsState();
+}
+
+void Controller::loadDesignState() {
+  // The load reads editState while it rebuilds the world; work on a copy so
+  // the design state stays what it was.
+  const PlistDict design = editState_;
+  loadingDesign_ = true;
+  loadToCurrentStateFromDict(&design, true, true, true);
+  loadingDesign_ = false;
+  // The design's views are now these windows, in the same order.
+  rememberDesignWindows();
+}
+
+void Controller::rememberDesignWindows() {
+  designWindows_.clear();
+  std::unordered_map<int, QPoint> kept;
+  for (OrrenvaleGLWindowController* window : viewWindows_) {
+    designWindows_.push_back(window->serial());
+  }
+  for (int serial : designWindows_) {
+    if (auto at = closedAt_.find(serial); at != closedAt_.end()) {
+      kept.insert(*at);
+    }
+  }
+  closedAt_ = std::move(kept);
 }
 
 void Controller::resetSim() {

@@ -47,6 +47,9 @@ void Controller::saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool ge
   }
   dict =
       saveWorldToDict(*w, DocumentSections{getBodies, getViews, getSim}, views ? &*views : nullptr);
+  if (&dict == &editState_) {
+    rememberDesignWindows();
+  }
 }
 
 void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodies, bool getViews,
@@ -59,8 +62,18 @@ void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodie
     if (section == nullptr) {
       return;
     }
+    std::size_t ordinal = 0;
     for (const PlistEntry& entry : section->entries()) {
-      OrrenvaleGLWindowController* window = newWindow();
+      // A view of the design state reopens where its window was when it
+      // closed; a view from a file opens in the cascade.
+      std::optional<QPoint> position;
+      if (loadingDesign_ && ordinal < designWindows_.size()) {
+        if (auto at = closedAt_.find(designWindows_[ordinal]); at != closedAt_.end()) {
+          position = at->second;
+        }
+      }
+      ++ordinal;
+      OrrenvaleGLWindowController* window = openViewWindow(position);
       View* v = window->CGLview()->view();
       v->number = saturateToInt32(leadingInteger(entry.key).value_or(0));
       ViewDictExtras extras;
@@ -110,8 +123,7 @@ void Controller::saveDocumentFromMenu(QObject* /*sender*/) {
       saveCurrentStateToDict(editState_, true, true, true);
       resumeDesign = true;
     }
-    const PlistDict design = editState_;
-    loadToCurrentStateFromDict(&design, true, true, true);
+    loadDesignState();
   }
   PlistDict dict;
   saveCurrentStateToDict(dict, choice->bodies, choice->views, choice->simulation);

@@ -7,17 +7,21 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QTimer>
+#include <algorithm>
 #include <utility>
 
 #include "controller.h"
 #include "engine/world.h"
 #include "orrenvale_gl_window_controller.h"
 #include "palettes/body_window_controller.h"
+#include "palettes/palette_window.h"
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
 #include "palettes/view_window_controller.h"
+#include "splash_window.h"
 #include "view/orrenvale_gl.h"
 #include "view/view.h"
+#include "window_size.h"
 
 namespace {
 
@@ -33,9 +37,9 @@ void setItemTitle(QAction* item, const QString& title) {
   item->setText(text.replace('&', "&&"));
 }
 
-// Room beside a title for the window manager's buttons, which Qt cannot
-// measure on Linux.
-constexpr int kTitleBarButtons = 96;
+// Room beside a title for the window manager's icon and buttons, which Qt
+// cannot measure on Linux.
+constexpr int kTitleBarButtons = 112;
 // Size of the drawing area of a new view window, and the step by which new
 // windows cascade.
 constexpr int kNewViewWidth = 480;
@@ -58,18 +62,27 @@ void Controller::buildMenus() {
   bodyMenu_ = new QMenu("&Body", menuOwner_);
   menus_ = {file, sim, viewMenu, bodyMenu_};
 
-  connect(addItem(file, "menuFileNew", "&New"), &QAction::triggered, this,
-          [this] { menuNew(sender()); });
-  connect(addItem(file, "menuFileOpen", "&Open..."), &QAction::triggered, this,
-          [this] { openDocumentFromMenu(sender()); });
-  connect(addItem(file, "menuFileSave", "&Save..."), &QAction::triggered, this,
-          [this] { saveDocumentFromMenu(sender()); });
+  // The keys Linux programs use for these commands; none of them is one of
+  // the view commands' keys.
+  QAction* fileNew = addItem(file, "menuFileNew", "&New");
+  fileNew->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+  connect(fileNew, &QAction::triggered, this, [this] { menuNew(sender()); });
+  QAction* fileOpen = addItem(file, "menuFileOpen", "&Open...");
+  fileOpen->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+  connect(fileOpen, &QAction::triggered, this, [this] { openDocumentFromMenu(sender()); });
+  QAction* fileSave = addItem(file, "menuFileSave", "&Save...");
+  fileSave->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
+  connect(fileSave, &QAction::triggered, this, [this] { saveDocumentFromMenu(sender()); });
   file->addSeparator();
   menuFilePrint = addItem(file, "menuFilePrint", "&Print View...");
+  menuFilePrint->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
   connect(menuFilePrint, &QAction::triggered, this, [this] { printScreen(sender()); });
   file->addSeparator();
+  QAction* close = addItem(file, "menuFileCloseWindow", "&Close Window");
+  close->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+  connect(close, &QAction::triggered, this, [this] { closeActiveWindow(sender()); });
   QAction* quit = addItem(file, "menuFileQuit", "&Quit");
-  quit->setShortcut(QKeySequence::Quit);
+  quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
   connect(quit, &QAction::triggered, qApp, &QApplication::quit);
 
   menuSimRun = addItem(sim, "menuSimRun", "&Run");
@@ -195,8 +208,44 @@ void Controller::setUpViewMenu() {
   menuPanLeft->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Left));
   menuSelectNext->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_BracketRight));
   menuSelectPrev->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_BracketLeft));
-  menuZin->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Equal));
-  menuZout->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Minus));
+  // Ctrl+= comes first and is the one the menu shows; Ctrl++ and the keypad's
+  // keys are what users of other programs reach for as well.
+  menuZin->setShortcuts(QList<QKeySequence>{
+      QKeySequence(Qt::CTRL | Qt::Key_Equal), QKeySequence(Qt::CTRL | Qt::Key_Plus),
+      QKeySequence(Qt::ControlModifier | Qt::KeypadModifier | Qt::Key_Plus)});
+  menuZout->setShortcuts(
+      QList<QKeySequence>{QKeySequence(Qt::CTRL | Qt::Key_Minus),
+                          QKeySequence(Qt::ControlModifier | Qt::KeypadModifier | Qt::Key_Minus)});
+}
+
+std::vector<QAction*> Controller::commandItems() const {
+  std::vector<QAction*> items;
+  for (QMenu* menu : menus_) {
+    for (QAction* item : menu->actions()) {
+      if (!item->isSeparator()) {
+        items.push_back(item);
+      }
+    }
+  }
+  return items;
+}
+
+void Controller::closeActiveWindow(QObject* /*sender*/) {
+  QWidget* active = QApplication::activeWindow();
+  if (active == nullptr) {
+    return;
+  }
+  for (OrrenvaleGLWindowController* window : viewWindows_) {
+    if (window->window() == active) {
+      window->closeAsUser();
+      return;
+    }
+  }
+  if (auto* palette = dynamic_cast<PaletteWindow*>(active)) {
+    palette->closeAsUser();
+  } else if (active == splash_) {
+    active->close();
+  }
 }
 
 void Controller::handleViewKeyCommands(QAction* sender) {
@@ -332,13 +381,23 @@ void Controller::newView(QObject* /*sender*/) {
 }
 
 OrrenvaleGLWindowController* Controller::newWindow() {
-  auto* controller = new OrrenvaleGLWindowController;
+  return openViewWindow(std::nullopt);
+}
+
+OrrenvaleGLWindowController* Controller::openViewWindow(std::optional<QPoint> position) {
+  auto* controller = new OrrenvaleGLWindowController(nextWindowSerial_++);
   viewWindows_.push_back(controller);
   QMainWindow* window = controller->window();
   setWindowTitleAndMinSize(window, QString::fromUtf8(controller->CGLview()->view()->name));
   controller->setContentSize(kNewViewWidth, kNewViewHeight);
   const int offset = kCascade * static_cast<int>((viewWindows_.size() - 1) % 10);
-  window->move(40 + offset, 60 + offset);
+  if (position) {
+    // The window's own area goes back exactly where it was; a frame
+    // position would drift by the title bar's height with each reopening.
+    window->setGeometry(QRect(*position, window->size()));
+  } else {
+    window->move(40 + offset, 60 + offset);
+  }
   controller->CGLview()->setFocus();
   // The new window is main at once; the window system's activation, which
   // arrives later, then finds it main already.
@@ -349,9 +408,19 @@ OrrenvaleGLWindowController* Controller::newWindow() {
 }
 
 void Controller::setWindowTitleAndMinSize(QWidget* window, const QString& title) {
-  const int width = QFontMetrics(window->font()).horizontalAdvance(title) + kTitleBarButtons;
-  window->setMinimumSize(width, width);
-  window->setWindowTitle(title);
+  // Window managers draw titles in a bold font; measured so, with room for
+  // the window's icon and buttons, the whole title shows. A view window also
+  // shows its whole menu bar.
+  QFont titleFont = window->font();
+  titleFont.setBold(true);
+  int width = QFontMetrics(titleFont).horizontalAdvance(title) + kTitleBarButtons;
+  if (auto* main = qobject_cast<QMainWindow*>(window)) {
+    width = std::max(width, main->menuBar()->sizeHint().width());
+  }
+  setBoundedMinimumSize(window, QSize(width, width));
+  if (window->windowTitle() != title) {
+    window->setWindowTitle(title);
+  }
 }
 
 void Controller::closeAllWindows() {
@@ -363,17 +432,16 @@ void Controller::closeAllWindows() {
 void Controller::viewWindowDidBecomeMain(OrrenvaleGLWindowController* window) {
   std::erase(activationOrder_, window);
   activationOrder_.push_back(window);
-  // Activating the window that already is main is no change of main window;
-  // in particular it does not undo the disabling that closing another view
-  // window did.
-  if (mainWindow_ == window) {
-    return;
-  }
+  // Activating (or clicking) the window that already is main announces it
+  // again, as the desktop does when a main window is reactivated: closing
+  // another view window disabled the view commands, and a main view window
+  // needs them enabled.
   mainWindow_ = window;
   window->windowDidBecomeMain();
 }
 
 void Controller::viewWindowWillClose(OrrenvaleGLWindowController* window, bool byUser) {
+  closedAt_[window->serial()] = window->window()->geometry().topLeft();
   window->windowWillClose();
   checkWindowsLeft(byUser);
   closedWindows_.push_back(window);

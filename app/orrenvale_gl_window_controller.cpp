@@ -7,14 +7,24 @@
 #include "controller.h"
 #include "palettes/view_window_controller.h"
 #include "view/orrenvale_gl.h"
+#include "window_size.h"
 
-OrrenvaleGLWindowController::OrrenvaleGLWindowController()
-    : window_(new QMainWindow), view_(new OrrenvaleGL(window_)) {
+OrrenvaleGLWindowController::OrrenvaleGLWindowController(int serial)
+    : serial_(serial), window_(new QMainWindow), view_(new OrrenvaleGL(window_)) {
   window_->setObjectName("GLWindow");
   window_->setAttribute(Qt::WA_DeleteOnClose, false);
   window_->setCentralWidget(view_);
   Controller::instance()->populateMenuBar(window_->menuBar());
   window_->installEventFilter(this);
+  // A click anywhere in the window (its view or its menu bar) announces it
+  // as main again, even when it is already the active window.
+  view_->installEventFilter(this);
+  window_->menuBar()->installEventFilter(this);
+}
+
+void OrrenvaleGLWindowController::closeAsUser() {
+  closingAsUser_ = true;
+  window_->close();
 }
 
 OrrenvaleGLWindowController::~OrrenvaleGLWindowController() {
@@ -25,8 +35,11 @@ void OrrenvaleGLWindowController::setContentSize(int width, int height) {
   // The menu bar sits above the drawing area inside the window.
   const int menuHeight =
       window_->menuBar()->isNativeMenuBar() ? 0 : window_->menuBar()->sizeHint().height();
-  window_->resize(width, height + menuHeight);
-  view_->resize(width, height);
+  // A size from a datafile may be anything; the window never outgrows the
+  // screen, and the view's trackball takes the size the view really gets.
+  resizeWithinMinimum(window_, QSize(width, height + menuHeight));
+  view_->resize(window_->width(), window_->height() - menuHeight);
+  keepOnScreen(window_);
 }
 
 void OrrenvaleGLWindowController::windowDidBecomeMain() {
@@ -44,6 +57,9 @@ void OrrenvaleGLWindowController::windowWillClose() {
 }
 
 bool OrrenvaleGLWindowController::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::MouseButtonPress && !closed_) {
+    Controller::instance()->viewWindowDidBecomeMain(this);
+  }
   if (watched == window_) {
     if (event->type() == QEvent::WindowActivate && !closed_) {
       Controller::instance()->viewWindowDidBecomeMain(this);
@@ -52,7 +68,7 @@ bool OrrenvaleGLWindowController::eventFilter(QObject* watched, QEvent* event) {
       window_->hide();
       // The controller deletes this object, and the window with it, once the
       // close has been handled.
-      Controller::instance()->viewWindowWillClose(this, event->spontaneous());
+      Controller::instance()->viewWindowWillClose(this, event->spontaneous() || closingAsUser_);
     }
   }
   return QObject::eventFilter(watched, event);

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QImage>
 #include <QMessageBox>
@@ -18,6 +19,7 @@ namespace {
 // (non-native) dialog lays itself out on a grid.
 void attachAccessory(QFileDialog& dialog, QWidget* accessory) {
   dialog.setOption(QFileDialog::DontUseNativeDialog);
+  prepareModalDialog(dialog);
   if (auto* grid = qobject_cast<QGridLayout*>(dialog.layout())) {
     grid->addWidget(accessory, grid->rowCount(), 0, 1, grid->columnCount());
   }
@@ -31,14 +33,30 @@ QCheckBox* addCheckBox(QWidget* accessory, const char* objectName, const QString
   return box;
 }
 
-QString withSuffix(const QString& path, const QString& suffix) {
+}  // namespace
+
+QString QtPanels::withSuffix(const QString& path, const QString& suffix) {
   if (suffix.isEmpty() || path.endsWith('.' + suffix, Qt::CaseInsensitive)) {
+    return path;
+  }
+  if (suffix.compare("tiff", Qt::CaseInsensitive) == 0 &&
+      path.endsWith(".tif", Qt::CaseInsensitive)) {
     return path;
   }
   return path + '.' + suffix;
 }
 
-}  // namespace
+std::optional<QString> QtPanels::runFileDialog(QFileDialog& dialog) {
+  if (!lastFolder_.isEmpty()) {
+    dialog.setDirectory(lastFolder_);
+  }
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+    return std::nullopt;
+  }
+  const QString path = dialog.selectedFiles().first();
+  lastFolder_ = QFileInfo(path).absolutePath();
+  return path;
+}
 
 Panels::Answer QtPanels::confirmSaveFirst(QWidget* parent) {
   QMessageBox box(QMessageBox::Question, "Command Confirmation",
@@ -48,6 +66,7 @@ Panels::Answer QtPanels::confirmSaveFirst(QWidget* parent) {
   QPushButton* dontSave = box.addButton("Don't Save", QMessageBox::DestructiveRole);
   box.addButton("Cancel", QMessageBox::RejectRole);
   box.setDefaultButton(save);
+  prepareModalDialog(box);
   box.exec();
   if (box.clickedButton() == save) {
     return Answer::Save;
@@ -59,18 +78,19 @@ std::optional<Panels::OpenChoice> QtPanels::runOpenPanel(QWidget* parent) {
   QFileDialog dialog(parent, "Open Datafile");
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
-  dialog.setNameFilters({"Orrenvale datafiles (*.ovd)", "All files (*)"});
+  // Any file may be opened; the datafile filter is there to choose.
+  dialog.setNameFilters({"All files (*)", "Orrenvale datafiles (*.ovd)"});
   auto* accessory = new QWidget;
   accessory->setLayout(new QVBoxLayout);
   QCheckBox* bodies = addCheckBox(accessory, "loadBodies", "Load body states");
   QCheckBox* sim = addCheckBox(accessory, "loadSimulation", "Load simulation parameters");
   QCheckBox* views = addCheckBox(accessory, "loadViews", "Load view states");
   attachAccessory(dialog, accessory);
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+  const std::optional<QString> path = runFileDialog(dialog);
+  if (!path) {
     return std::nullopt;
   }
-  return OpenChoice{dialog.selectedFiles().first(), bodies->isChecked(), sim->isChecked(),
-                    views->isChecked()};
+  return OpenChoice{*path, bodies->isChecked(), sim->isChecked(), views->isChecked()};
 }
 
 std::optional<Panels::SaveChoice> QtPanels::runSavePanel(QWidget* parent) {
@@ -88,31 +108,39 @@ std::optional<Panels::SaveChoice> QtPanels::runSavePanel(QWidget* parent) {
   state->addItems({"Save design state", "Save current state"});
   accessory->layout()->addWidget(state);
   attachAccessory(dialog, accessory);
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+  const std::optional<QString> path = runFileDialog(dialog);
+  if (!path) {
     return std::nullopt;
   }
-  return SaveChoice{withSuffix(dialog.selectedFiles().first(), "ovd"), bodies->isChecked(),
-                    sim->isChecked(), views->isChecked(), state->currentIndex()};
+  return SaveChoice{withSuffix(*path, "ovd"), bodies->isChecked(), sim->isChecked(),
+                    views->isChecked(), state->currentIndex()};
 }
 
 std::optional<QString> QtPanels::runSaveFilePanel(QWidget* parent, const QString& title,
                                                   const QString& requiredSuffix) {
   QFileDialog dialog(parent, title);
   dialog.setOption(QFileDialog::DontUseNativeDialog);
+  prepareModalDialog(dialog);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   if (!requiredSuffix.isEmpty()) {
     dialog.setDefaultSuffix(requiredSuffix);
-    dialog.setNameFilter(QString("%1 files (*.%2)").arg(requiredSuffix.toUpper(), requiredSuffix));
+    QString patterns = "*." + requiredSuffix;
+    if (requiredSuffix == "tiff") {
+      patterns += " *.tif";
+    }
+    dialog.setNameFilter(QString("%1 files (%2)").arg(requiredSuffix.toUpper(), patterns));
   }
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+  const std::optional<QString> path = runFileDialog(dialog);
+  if (!path) {
     return std::nullopt;
   }
-  return withSuffix(dialog.selectedFiles().first(), requiredSuffix);
+  return withSuffix(*path, requiredSuffix);
 }
 
 bool QtPanels::printImage(QWidget* parent, const QImage& image) {
   QPrinter printer;
   QPrintDialog dialog(&printer, parent);
+  prepareModalDialog(dialog);
   if (dialog.exec() != QDialog::Accepted) {
     return false;
   }
@@ -131,5 +159,6 @@ bool QtPanels::printImage(QWidget* parent, const QImage& image) {
 void QtPanels::alert(QWidget* parent, const QString& title, const QString& message) {
   QMessageBox box(QMessageBox::Warning, title, message, QMessageBox::NoButton, parent);
   box.addButton("OK", QMessageBox::AcceptRole);
+  prepareModalDialog(box);
   box.exec();
 }

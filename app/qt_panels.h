@@ -2,6 +2,8 @@
 
 #include "palettes/panels.h"
 
+class QFileDialog;
+
 // The dialogs as a person sees them: message boxes, Qt's own file dialogs
 // with the check boxes and pop-up of the Open and Save panels added below,
 // and the print dialog.
@@ -14,4 +16,16 @@ class QtPanels : public Panels {
                                           const QString& requiredSuffix) override;
   bool printImage(QWidget* parent, const QImage& image) override;
   void alert(QWidget* parent, const QString& title, const QString& message) override;
+
+  // The path with the suffix added unless it already ends in it (or, for
+  // "tiff", in the short form ".tif"), ignoring case.
+  static QString withSuffix(const QString& path, const QString& suffix);
+
+ private:
+  // Runs a file dialog in the folder last used and remembers the folder
+  // of the file chosen; the first path chosen, or nothing on cancel.
+  std::optional<QString> runFileDialog(QFileDialog& dialog);
+
+  // Kept for this run of the program only: it stores no preferences.
+  QString lastFolder_;
 };

@@ -19,15 +19,22 @@ void ImageViewSub::mousePressEvent(QMouseEvent* event) {
 namespace {
 
 // A text line over the picture, transparent but for its letters. The
-// platform places it from the bottom edge; here y counts from the top.
+// platform places it from the bottom edge; here y counts from the top. The
+// two lines' boxes overlap by ten pixels: the upper line's text sits at the
+// top of its box and the lower line's at the bottom, so one reads above the
+// other.
 QLabel* addTextLine(QWidget* parent, int x, int yFromBottom, int pointSize, double grey,
-                    const QString& text) {
+                    const QString& text, Qt::Alignment alignment) {
   auto* label = new QLabel(text, parent);
+  // The window's layout counts a point as one pixel (72 dots per inch), so
+  // the sizes are pixel sizes here; at this screen's own points the lines
+  // would be a third taller than their boxes.
   QFont font = QApplication::font();
-  font.setPointSize(pointSize);
+  font.setPixelSize(pointSize);
   label->setFont(font);
   const int level = static_cast<int>(std::lround(grey * 255.0));
   label->setStyleSheet(QString("color: rgb(%1,%1,%1); background: transparent;").arg(level));
+  label->setAlignment(Qt::AlignLeft | alignment);
   label->setGeometry(x, SplashWindow::kHeight - yFromBottom - 18, 290, 18);
   return label;
 }
@@ -41,9 +48,9 @@ SplashWindow::SplashWindow() : image_(new ImageViewSub(this)) {
   setFixedSize(kWidth, kHeight);
   image_->setGeometry(0, 0, kWidth, kHeight);
   image_->setPixmap(makeSplashPicture());
-  addTextLine(this, 330, 22, 10, 0.3, "N-Body Gravitation Simulator");
+  addTextLine(this, 330, 22, 10, 0.3, "N-Body Gravitation Simulator", Qt::AlignTop);
   addTextLine(this, 330, 14, 9, 0.6,
-              QString("Version 2 (%1)").arg(QApplication::applicationVersion()));
+              QString("Version 2 (%1)").arg(QApplication::applicationVersion()), Qt::AlignBottom);
   if (const QScreen* screen = QApplication::primaryScreen()) {
     move(screen->availableGeometry().center() - rect().center());
   }
@@ -89,6 +96,12 @@ QPixmap makeSplashPicture() {
     p.setBrush(planets[i]);
     p.drawEllipse(at, 4.0 + i, 4.0 + i);
   }
+
+  // A pale band under the two text lines, whose dark and mid greys need a
+  // light ground to be read.
+  p.setPen(Qt::NoPen);
+  p.setBrush(QColor(236, 236, 244));
+  p.drawRoundedRect(QRectF(320, 124, 292, 38), 6, 6);
 
   QFont title = QApplication::font();
   title.setPointSize(34);

@@ -32,7 +32,8 @@ const char* batchUsage() {
          "  --version         print the version\n"
          "\n"
          "Exit status: 0 on success, 1 when the world cannot be read or a file cannot\n"
-         "be written, 2 on a usage error.\n";
+         "be written, 2 on a usage error. A regular FILE is replaced only once all of\n"
+         "it is written; a FIFO, a device or /dev/stdout is written directly.\n";
 }
 
 BatchOptionsResult parseBatchOptions(const std::vector<std::string>& args, bool progressDefault) {

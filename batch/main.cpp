@@ -2,7 +2,7 @@
 // command does, and writes a log, a datafile and a summary. For scripts and
 // people at a terminal, so every failure is reported on one line.
 #include <unistd.h>
-#include <QSaveFile>
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -11,6 +11,7 @@
 #include "batch/batch_options.h"
 #include "batch/progress_bar.h"
 #include "document/log_line.h"
+#include "document/output_file.h"
 #include "document/plist_writer.h"
 #include "document/world_document.h"
 
@@ -26,33 +27,6 @@ constexpr std::size_t kLogChunk = 1 << 16;
 void report(const QString& path, const QString& reason) {
   std::fprintf(stderr, "orrenvale-batch: %s: %s\n", qUtf8Printable(path), qUtf8Printable(reason));
 }
-
-// Where log lines go: standard output, or a file replaced atomically at the end.
-class LogSink {
- public:
-  bool open(const QString& path) {
-    if (path == QLatin1String("-")) {
-      return true;
-    }
-    file_.emplace(path);
-    return file_->open(QIODevice::WriteOnly);
-  }
-  void write(std::string& text) {
-    if (file_) {
-      file_->write(text.data(), static_cast<qint64>(text.size()));
-    } else {
-      std::fwrite(text.data(), 1, text.size(), stdout);
-    }
-    text.clear();
-  }
-  bool commit() { return file_ ? file_->commit() : std::fflush(stdout) == 0; }
-  QString errorString() const {
-    return file_ ? file_->errorString() : QStringLiteral("write error");
-  }
-
- private:
-  std::optional<QSaveFile> file_;
-};
 
 void printReal(double value) {
   std::printf("\t%.17g", value);
@@ -97,10 +71,20 @@ int run(const BatchOptions& options, BatchJob& job) {
   loadToWorldFromDict(world, &*read.dict, DocumentSections{}, hooks);
   read.dict.reset();
 
-  LogSink log;
-  if (options.logPath && !log.open(*options.logPath)) {
+  // A log that cannot be written ends the run at once: the old file stays
+  // as it was, and no time goes into steps nobody can see.
+  OutputFile log;
+  const auto logFailed = [&] {
     report(*options.logPath, QStringLiteral("cannot be written (%1)").arg(log.errorString()));
     return kExitFailure;
+  };
+  if (options.logPath) {
+    const bool opened = *options.logPath == QLatin1String("-")
+                            ? log.openStandardOutput()
+                            : log.open(*options.logPath, FifoOpen::WaitForReader);
+    if (!opened) {
+      return logFailed();
+    }
   }
   const LogReals reals = options.exact ? LogReals::Exact : LogReals::Fixed;
   std::optional<ProgressBar> progress;
@@ -115,7 +99,10 @@ int run(const BatchOptions& options, BatchJob& job) {
     if (options.logPath) {
       appendLogLine(lines, world, reals);
       if (lines.size() >= kLogChunk) {
-        log.write(lines);
+        if (!log.write(lines.data(), lines.size())) {
+          return logFailed();
+        }
+        lines.clear();
       }
     }
     if (progress) {
@@ -126,17 +113,15 @@ int run(const BatchOptions& options, BatchJob& job) {
     progress->finish(options.steps);
   }
   if (options.logPath) {
-    log.write(lines);
-    if (!log.commit()) {
-      report(*options.logPath, QStringLiteral("cannot be written (%1)").arg(log.errorString()));
-      return kExitFailure;
+    if (!log.write(lines.data(), lines.size()) || !log.commit()) {
+      return logFailed();
     }
   }
 
   if (options.savePath) {
     const PlistDict saved = saveWorldToDict(world, DocumentSections{}, views ? &*views : nullptr);
     QString error;
-    if (!writePlistFile(*options.savePath, PlistValue(saved), &error)) {
+    if (!writePlistFile(*options.savePath, PlistValue(saved), &error, FifoOpen::WaitForReader)) {
       report(*options.savePath, QStringLiteral("cannot be written (%1)").arg(error));
       return kExitFailure;
     }
@@ -168,5 +153,14 @@ int main(int argc, char** argv) {
     std::printf("orrenvale-batch %s\n", ORRENVALE_VERSION);
     return 0;
   }
-  return job.finish(run(parsed.options, job));
+  int status = run(parsed.options, job);
+  // The summary is buffered; a failure to write it shows when it is flushed.
+  errno = 0;
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    // The C library keeps only the error flag of an earlier failed write.
+    report(QStringLiteral("standard output"),
+           QStringLiteral("cannot be written (%1)").arg(systemErrorText(errno != 0 ? errno : EIO)));
+    status = kExitFailure;
+  }
+  return job.finish(status);
 }

@@ -1,8 +1,14 @@
 #include "plist_reader.h"
 
+#include "output_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QFile>
-#include <QFileInfo>
 #include <QXmlStreamReader>
+#include <cerrno>
 #include <charconv>
 
 namespace {
@@ -362,33 +368,76 @@ PlistReadResult readPlist(const QByteArray& xml) {
 }
 
 FileBytesResult readPlistFileBytes(const QString& path) {
-  const QFileInfo info(path);
-  if (!info.exists()) {
-    return {std::nullopt, QStringLiteral("no such file")};
+  const QByteArray name = QFile::encodeName(path);
+  // Only a regular file is opened: opening a FIFO waits for a writer, and
+  // opening a device may do anything. The path is looked at first, and the
+  // descriptor again, in case something else took the path's place in
+  // between; O_NONBLOCK keeps even that open from waiting.
+  const auto notRegular = [](const struct stat& st) -> std::optional<FileBytesResult> {
+    if (S_ISDIR(st.st_mode)) {
+      return FileBytesResult{std::nullopt, QStringLiteral("is a directory")};
+    }
+    if (!S_ISREG(st.st_mode)) {
+      return FileBytesResult{std::nullopt, QStringLiteral("not a regular file")};
+    }
+    return std::nullopt;
+  };
+  struct stat st {};
+  if (stat(name.constData(), &st) != 0) {
+    if (errno == ENOENT) {
+      return {std::nullopt, QStringLiteral("no such file")};
+    }
+    return {std::nullopt, QStringLiteral("cannot be opened (%1)").arg(systemErrorText(errno))};
   }
-  if (info.isDir()) {
-    return {std::nullopt, QStringLiteral("is a directory")};
+  if (auto refused = notRegular(st)) {
+    return *refused;
   }
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) {
-    return {std::nullopt, QStringLiteral("cannot be opened (%1)").arg(file.errorString())};
+  const int fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+  if (fd < 0) {
+    return {std::nullopt, QStringLiteral("cannot be opened (%1)").arg(systemErrorText(errno))};
   }
-  // The size of a regular file is known; for anything else (a pipe) reading
-  // stops one byte past the bound.
-  if (file.size() > kMaxPlistFileSize) {
+  struct Closer {
+    int fd;
+    ~Closer() { ::close(fd); }
+  } closer{fd};
+  if (fstat(fd, &st) != 0) {
+    return {std::nullopt, QStringLiteral("cannot be read (%1)").arg(systemErrorText(errno))};
+  }
+  if (auto refused = notRegular(st)) {
+    return *refused;
+  }
+  if (st.st_size > kMaxPlistFileSize) {
     return {std::nullopt, QStringLiteral("too large (%1 MB; at most %2 MB are read)")
-                              .arg(file.size() / (1024 * 1024))
+                              .arg(st.st_size / (1024 * 1024))
                               .arg(kMaxPlistFileSize / (1024 * 1024))};
   }
-  const QByteArray bytes = file.read(kMaxPlistFileSize + 1);
-  if (bytes.size() > kMaxPlistFileSize) {
-    return {std::nullopt, QStringLiteral("too large (at most %1 MB are read)")
-                              .arg(kMaxPlistFileSize / (1024 * 1024))};
+  // The file may grow while it is read: reading stops one byte past the
+  // bound.
+  QByteArray bytes(static_cast<qsizetype>(st.st_size) + 1, Qt::Uninitialized);
+  qsizetype filled = 0;
+  for (;;) {
+    if (filled == bytes.size()) {
+      if (filled > kMaxPlistFileSize) {
+        return {std::nullopt, QStringLiteral("too large (at most %1 MB are read)")
+                                  .arg(kMaxPlistFileSize / (1024 * 1024))};
+      }
+      bytes.resize(std::min<qsizetype>(2 * filled, kMaxPlistFileSize + 1));
+    }
+    const ssize_t got =
+        ::read(fd, bytes.data() + filled, static_cast<size_t>(bytes.size() - filled));
+    if (got == 0) {
+      break;
+    }
+    if (got < 0) {
+      if (errno == EINTR) {
+        continue;
+      }
+      return {std::nullopt, QStringLiteral("cannot be read (%1)").arg(systemErrorText(errno))};
+    }
+    filled += got;
   }
-  if (file.error() != QFileDevice::NoError) {
-    return {std::nullopt, QStringLiteral("cannot be read (%1)").arg(file.errorString())};
-  }
-  return {bytes, QString()};
+  bytes.truncate(filled);
+  return {std::move(bytes), QString()};
 }
 
 PlistReadResult readPlistFile(const QString& path) {

@@ -1,6 +1,7 @@
 #include "plist_writer.h"
 
-#include <QSaveFile>
+#include "output_file.h"
+
 #include <charconv>
 #include <cmath>
 
@@ -166,10 +167,10 @@ QByteArray writePlist(const PlistValue& root) {
   return writer.take();
 }
 
-bool writePlistFile(const QString& path, const PlistValue& root, QString* error) {
-  QSaveFile file(path);
+bool writePlistFile(const QString& path, const PlistValue& root, QString* error, FifoOpen fifo) {
   const QByteArray bytes = writePlist(root);
-  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+  OutputFile file;
+  if (!file.open(path, fifo) || !file.write(bytes) || !file.commit()) {
     if (error != nullptr) {
       *error = file.errorString();
     }

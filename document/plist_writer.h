@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include "output_file.h"
 #include "plist_value.h"
 
 // Renders a value as an XML property list: the XML declaration, the published
@@ -10,7 +11,9 @@
 // Reals are written in the shortest form that reads back to the same double.
 QByteArray writePlist(const PlistValue& root);
 
-// Writes the property list to a file atomically (through QSaveFile): the file
-// is either replaced whole or left as it was. Returns false and sets the
-// reason when it cannot be written.
-bool writePlistFile(const QString& path, const PlistValue& root, QString* error = nullptr);
+// Writes the property list to a file through OutputFile: a regular file is
+// either replaced whole or left as it was, a FIFO or a device is written
+// directly. Returns false and sets the system's reason when it cannot be
+// written.
+bool writePlistFile(const QString& path, const PlistValue& root, QString* error = nullptr,
+                    FifoOpen fifo = FifoOpen::FailWithoutReader);

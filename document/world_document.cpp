@@ -2,6 +2,7 @@
 
 #include <QLatin1String>
 #include <limits>
+#include <unordered_set>
 #include <variant>
 
 #include "plist_reader.h"
@@ -140,30 +141,67 @@ void applyBodyKey(Body& body, const BodySlot& slot, const PlistValue& value,
       slot);
 }
 
+// The identifier stored for a body: the leading integer of its entry's key.
+int32_t storedBodyId(const QString& key) {
+  return saturateToInt32(leadingInteger(key).value_or(0));
+}
+
 void loadBodies(World& world, const PlistValue& section, const LoadHooks& hooks) {
   const PlistDict* bodies = section.dict();
   if (bodies == nullptr) {
     return;
   }
+  // An entry that is not a dictionary describes no body and is skipped.
   int32_t highest = World::kFirstBodyId - 1;
   for (const PlistEntry& entry : bodies->entries()) {
-    // An entry that is not a dictionary describes no body and is skipped.
+    if (entry.value.dict() != nullptr) {
+      highest = std::max(highest, storedBodyId(entry.key));
+    }
+  }
+  // Two bodies never share an identifier, but keys such as "100" and "0100",
+  // or "abc" and "xyz", store the same one. A body whose stored identifier an
+  // earlier body of the file already has gets a fresh one instead, numbered
+  // on from the counter the world would use next: above every stored
+  // identifier, so that it cannot take the identifier of a body stored later
+  // in the file. Every other body keeps its stored identifier, and without
+  // such duplicates the counter ends, as always, one above the highest of 99
+  // and every stored identifier. Only when the counter has reached the
+  // largest int32 are fresh identifiers taken from the first free one from
+  // 100 up.
+  std::unordered_set<int32_t> taken;
+  taken.reserve(bodies->size());
+  int64_t next = int64_t{highest} + 1;
+  int32_t lowestFree = World::kFirstBodyId;
+  const auto freshId = [&] {
+    if (next <= std::numeric_limits<int32_t>::max()) {
+      return static_cast<int32_t>(next++);
+    }
+    while (taken.contains(lowestFree)) {
+      ++lowestFree;
+    }
+    return lowestFree;
+  };
+  for (const PlistEntry& entry : bodies->entries()) {
     const PlistDict* fields = entry.value.dict();
     if (fields == nullptr) {
       continue;
     }
     Body* body = world.createBody();
-    body->id = saturateToInt32(leadingInteger(entry.key).value_or(0));
+    body->id = storedBodyId(entry.key);
+    if (!taken.insert(body->id).second) {
+      body->id = freshId();
+      taken.insert(body->id);
+    }
     for (const PlistEntry& field : fields->entries()) {
       if (const BodyKey* key = findKey(kBodyKeys, field.key)) {
         applyBodyKey(*body, key->slot, field.value, hooks);
       }
     }
-    highest = std::max(highest, body->id);
   }
   // The counter stays at the largest identifier when that is the largest
   // int32: the next number does not exist.
-  world.nextBodyId = highest < std::numeric_limits<int32_t>::max() ? highest + 1 : highest;
+  world.nextBodyId =
+      static_cast<int32_t>(std::min<int64_t>(next, std::numeric_limits<int32_t>::max()));
 }
 
 QString typeName(PlistValue::Type type) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -142,6 +143,53 @@ bool World::integrate() {
   return collide();
 }
 
+namespace {
+
+// Counts the integrations of an adaptive step and asks the monitor, if any,
+// whether to go on about every kPairsPerCall pair evaluations.
+class RefinementWatch {
+ public:
+  static constexpr double kPairsPerCall = 4096.0;
+
+  RefinementWatch(StepMonitor* monitor, double dt, int n, int32_t bodies) : monitor_(monitor) {
+    if (monitor_ == nullptr) {
+      return;
+    }
+    const double pairs = std::max(1.0, 0.5 * bodies * (bodies - 1.0));
+    stride_ = std::max(1.0, std::floor(kPairsPerCall / pairs));
+    // The refinement's own loop, run on the time step alone: it ends at the
+    // first substep below the bound (or when the division stops giving a
+    // number), if the energies never agree.
+    progress_.worstCase = 1.0;
+    for (double substeps = n;; substeps *= 2.0) {
+      progress_.worstCase += substeps;
+      if (!(dt / substeps >= kMinimumSubstep)) {
+        break;
+      }
+    }
+  }
+
+  void beginComparison(double substeps) { progress_.substeps = substeps; }
+
+  // One integration done; false when the monitor cancels the step.
+  bool integrated() {
+    progress_.done += 1.0;
+    if (monitor_ == nullptr || ++sinceCall_ < stride_) {
+      return true;
+    }
+    sinceCall_ = 0.0;
+    return monitor_->keepGoing(progress_);
+  }
+
+ private:
+  StepMonitor* monitor_;
+  StepProgress progress_;
+  double stride_ = 1.0;
+  double sinceCall_ = 0.0;
+};
+
+}  // namespace
+
 // One step of the full time step is checked against n steps of a divided time
 // step, both from the state on entry. When the relative energy difference is
 // at least 1e-12 (and the divided step is still at least 1e-8) the check is
@@ -150,21 +198,50 @@ bool World::integrate() {
 // entry, so the bodies advance by the time step() adds to elapsedTime. The
 // coarse result of the first comparison that agrees is kept; on the first
 // level that is the single step, as without adaptive stepping.
-void World::adaptiveStep(int n) {
+//
+// A monitor may cancel the step between two integrations: the world then
+// goes back to the copies of the state on entry, with the accelerations the
+// bodies had, and the time step on entry.
+bool World::adaptiveStep(int n, StepMonitor* monitor) {
   const double dt = timeStep;
   LinkedList* entry = copyBodies(*bodies);
+  if (monitor != nullptr) {
+    entryAccelerations_.clear();
+    forEachItem<Body>(*bodies,
+                      [&](const Body& b) { entryAccelerations_.push_back(b.acceleration); });
+  }
+  RefinementWatch watch(monitor, dt, n, bodies->count());
+  LinkedList* coarse = nullptr;
+  const auto cancel = [&] {
+    if (coarse != bodies) {
+      delete coarse;
+    }
+    delete bodies;
+    bodies = entry;
+    std::size_t i = 0;
+    forEachItem<Body>(*bodies, [&](Body& b) { b.acceleration = entryAccelerations_[i++]; });
+    timeStep = dt;
+    return false;
+  };
 
+  coarse = bodies;
   integrate();
+  if (!watch.integrated()) {
+    return cancel();
+  }
   double coarseEnergy = energy();
-  LinkedList* coarse = bodies;
 
   // Kept as a double: the loop ends by the substep bound long before a power
   // of two would overflow it, and a double cannot wrap.
   for (double substeps = n;; substeps *= 2.0) {
+    watch.beginComparison(substeps);
     bodies = copyBodies(*entry);
     timeStep = dt / substeps;
     for (double i = 0.0; i < substeps; i += 1.0) {
       integrate();
+      if (!watch.integrated()) {
+        return cancel();
+      }
     }
     const double fineEnergy = energy();
     LinkedList* fine = bodies;
@@ -183,16 +260,25 @@ void World::adaptiveStep(int n) {
 
   delete entry;
   timeStep = dt;
+  return true;
 }
 
-void World::step() {
-  recordTraces();
+bool World::step(StepMonitor* monitor) {
+  const int32_t added = appendTracePoints();
   if (adaptive) {
-    adaptiveStep(2);
+    if (!adaptiveStep(2, monitor)) {
+      // The points this step added are the newest ones, at the tail.
+      for (int32_t i = 0; i < added; ++i) {
+        tracePoints->remove(tracePoints->tail());
+      }
+      return false;
+    }
   } else {
     integrate();
   }
+  trimTracePoints();
   elapsedTime += timeStep;
+  return true;
 }
 
 double World::energy() const {

@@ -119,6 +119,12 @@ Vector World::maxCorner() const {
 }
 
 void World::recordTraces() {
+  appendTracePoints();
+  trimTracePoints();
+}
+
+int32_t World::appendTracePoints() {
+  int32_t added = 0;
   forEachItem<Body>(*bodies, [&](Body& b) {
     if (!b.active) {
       return;
@@ -131,8 +137,13 @@ void World::recordTraces() {
       point->z = b.position.z;
       std::memcpy(point->color, b.color, sizeof point->color);
       tracePoints->append(new ListNode(point));
+      ++added;
     }
   });
+  return added;
+}
+
+void World::trimTracePoints() {
   // A negative bound is treated as 0: the list is emptied, never trimmed past
   // its head.
   const int32_t bound = traceHistoryPoints < 0 ? 0 : traceHistoryPoints;

@@ -2,11 +2,34 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "body.h"
 #include "linked_list.h"
 #include "names.h"
 #include "vector.h"
+
+// Where an adaptive step stands while it refines its time step, which can
+// take very long (halving the substep down to 1e-8 may mean billions of
+// integrations).
+struct StepProgress {
+  // Substeps of the comparison under way; 0 while the single step runs.
+  double substeps = 0.0;
+  // Integrations done so far in this step.
+  double done = 0.0;
+  // Integrations the whole step needs if it refines down to the smallest
+  // substep; the step may well end sooner.
+  double worstCase = 0.0;
+};
+
+// Watches a long step. The world calls it every few thousand pair
+// evaluations while an adaptive step runs; the engine reads no clock, the
+// host decides when to show anything. Returning false cancels the step.
+class StepMonitor {
+ public:
+  virtual ~StepMonitor() = default;
+  virtual bool keepGoing(const StepProgress& progress) = 0;
+};
 
 // The one simulation the application holds: bodies, trace points, parameters,
 // elapsed time and the counters that number bodies and views. The host owns
@@ -38,10 +61,13 @@ class World {
   Vector maxCorner() const;
   void setName(std::string_view newName) { copyName(name, newName); }
 
-  // Time integration.
-  void step();
+  // Time integration. step() returns false when the monitor cancelled it:
+  // the world is then exactly as it was before the step (bodies with every
+  // field the program shows, trace points, elapsed time), though the Body
+  // objects may be new ones with the same identifiers.
+  bool step(StepMonitor* monitor = nullptr);
   bool integrate();
-  void adaptiveStep(int n);
+  bool adaptiveStep(int n, StepMonitor* monitor = nullptr);
   void clearAllForces();
   // The force pass. It runs packed, vectorised and, for large worlds, on
   // several threads, with results bit for bit those of computeForcesPlain.
@@ -73,6 +99,10 @@ class World {
   // when one does or the test was not made.
   bool mayTouchFromRows(int begin, int end);
   void recordTraces();
+  // The two halves of recordTraces: a step trims only once it is done, so
+  // a cancelled step can take back the points it added.
+  int32_t appendTracePoints();
+  void trimTracePoints();
 
   double elapsedTime = 0.0;
   LinkedList* bodies = nullptr;
@@ -87,6 +117,11 @@ class World {
   int32_t nextViewNumber = kFirstViewNumber;
   char name[kNameSize] = {};
   float millisecondsPerUpdate = 0.0f;
+
+ private:
+  // The accelerations on entry to an adaptive step that a monitor may
+  // cancel (body copies start with none); kept to reuse its memory.
+  std::vector<Vector> entryAccelerations_;
 };
 
 // Walks a list whose items are all of one known type.

@@ -2,12 +2,13 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QFocusEvent>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "engine/vector.h"
 #include "palettes/color_well.h"
@@ -20,19 +21,15 @@ namespace {
 // milliseconds, so the palettes refresh every 200 ms.
 constexpr int kRefreshIntervalMs = 200;
 
-bool userMovedFocus(Qt::FocusReason reason) {
-  return reason == Qt::MouseFocusReason || reason == Qt::TabFocusReason ||
-         reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
-}
+// A text field's frame and inner margins, beside its text.
+constexpr int kFieldMargins = 12;
 
 }  // namespace
 
 PaletteController::PaletteController(const QString& windowName, const QString& title,
                                      QObject* parent)
     : QObject(parent), window_(std::make_unique<PaletteWindow>(windowName, title)) {
-  layout_ = new QVBoxLayout(window_.get());
-  layout_->setContentsMargins(8, 8, 8, 8);
-  layout_->setSpacing(6);
+  layout_ = window_->contentLayout();
   window_->onUserClose = [this] { windowWillClose(); };
   // The palette losing key status ends the editing guard.
   window_->onDeactivate = [this] { selectedControl_ = nullptr; };
@@ -84,7 +81,14 @@ QLineEdit* PaletteController::makeTextField(const char* name) {
   field->setObjectName(QString::fromLatin1(name));
   field->installEventFilter(this);
   connect(field, &QLineEdit::textEdited, this, [this, field] { beginEditing(field); });
-  connect(field, &QLineEdit::returnPressed, this, [this, field] { commitField(field); });
+  // Return commits only what the user typed: a field that was merely
+  // clicked into still shows the model, and storing its shortened "%g" text
+  // would move the body back.
+  connect(field, &QLineEdit::returnPressed, this, [this, field] {
+    if (editedField_ == field) {
+      commitField(field);
+    }
+  });
   return field;
 }
 
@@ -125,9 +129,10 @@ QWidget* PaletteController::makeRow(std::initializer_list<QWidget*> controls) {
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(4);
   for (QWidget* control : controls) {
-    // Three fields share one row of a narrow palette: each asks only for
-    // room for a typical number and takes what the row can give.
-    control->setMinimumWidth(72);
+    // Three fields share one row; each is wide enough for any "%g" value
+    // (at most 12 characters, as in -1.23457e-05).
+    control->setMinimumWidth(QFontMetrics(control->font()).horizontalAdvance(QString(12, '8')) +
+                             kFieldMargins);
     control->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     layout->addWidget(control);
   }
@@ -136,7 +141,12 @@ QWidget* PaletteController::makeRow(std::initializer_list<QWidget*> controls) {
 
 void PaletteController::showText(QLineEdit* field, const QString& text) {
   if (field != selectedControl_ && field->text() != text) {
+    // A field too narrow for its text shows the text's start (the sign and
+    // leading digits), unless the user has put the cursor somewhere in it.
+    const int cursor = field->cursorPosition();
     field->setText(text);
+    field->setCursorPosition(field->hasFocus() ? std::min(cursor, static_cast<int>(text.size()))
+                                               : 0);
   }
 }
 
@@ -159,6 +169,9 @@ bool PaletteController::readVectorComponent(const QObject* sender, const QLineEd
 void PaletteController::showReadOnlyText(QLineEdit* field, const QString& text) {
   if (field->text() != text) {
     field->setText(text);
+    if (!field->hasFocus()) {
+      field->setCursorPosition(0);
+    }
   }
 }
 
@@ -244,13 +257,6 @@ bool PaletteController::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
   }
   switch (event->type()) {
-    case QEvent::FocusIn:
-      // A field that gets focus only because its window was activated keeps
-      // refreshing until the user types into it.
-      if (userMovedFocus(static_cast<QFocusEvent*>(event)->reason())) {
-        selectedControl_ = field;
-      }
-      break;
     case QEvent::FocusOut:
       if (editedField_ == field) {
         commitField(field);

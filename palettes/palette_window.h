@@ -1,38 +1,40 @@
 #pragma once
 
-#include <QCloseEvent>
 #include <QWidget>
 #include <functional>
 
+class QMenuBar;
+class QVBoxLayout;
+
 // The floating tool window of a palette. It stays above the view windows,
-// never becomes a main window, and tells its controller when the user closes
-// it with the close box (a close asked for by the program is not reported:
-// the program already knows).
+// never becomes a main window, carries the application's menu bar (so the
+// menus and their keys are reachable whichever windows are open), and tells
+// its controller when the user closes it with the close box or the Close
+// Window command (a close asked for by the program is not reported: the
+// program already knows).
 class PaletteWindow : public QWidget {
  public:
-  explicit PaletteWindow(const QString& objectName, const QString& title) {
-    setObjectName(objectName);
-    setWindowTitle(title);
-    setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
-  }
+  PaletteWindow(const QString& objectName, const QString& title);
+
+  // Closes the window as its close box does.
+  void closeAsUser();
+  // The window's layout, below its menu bar: the palette's controls go here.
+  QVBoxLayout* contentLayout() const { return layout_; }
 
   std::function<void()> onUserClose;
   std::function<void()> onDeactivate;
 
  protected:
-  void closeEvent(QCloseEvent* event) override {
-    // The window system's close (close box, window menu, shortcut) arrives as
-    // a spontaneous event; QWidget::close() from the program does not.
-    if (event->spontaneous() && onUserClose) {
-      onUserClose();
-    }
-    QWidget::closeEvent(event);
-  }
+  void showEvent(QShowEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
-  void changeEvent(QEvent* event) override {
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow() && onDeactivate) {
-      onDeactivate();
-    }
-    QWidget::changeEvent(event);
-  }
+ private:
+  // Filled from the application's host when it is there, otherwise when the
+  // window is first shown (tests install their host after making palettes).
+  void populateMenuBar();
+
+  QVBoxLayout* layout_;
+  QMenuBar* menuBar_;
+  bool menuBarPopulated_ = false;
 };

@@ -7,11 +7,17 @@ Panels* gPanels = nullptr;
 }  // namespace
 
 std::optional<QColor> Panels::chooseColor(QWidget* parent, const QColor& initial) {
-  const QColor chosen = QColorDialog::getColor(initial, parent);
-  if (!chosen.isValid()) {
+  QColorDialog dialog(initial, parent);
+  prepareModalDialog(dialog);
+  if (dialog.exec() != QDialog::Accepted || !dialog.selectedColor().isValid()) {
     return std::nullopt;
   }
-  return chosen;
+  return dialog.selectedColor();
+}
+
+void prepareModalDialog(QDialog& dialog) {
+  dialog.setWindowModality(Qt::ApplicationModal);
+  dialog.setWindowFlag(Qt::WindowStaysOnTopHint, true);
 }
 
 void setPanels(Panels* panels) {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <optional>
 
+class QDialog;
 class QImage;
 class QWidget;
 
@@ -54,6 +55,12 @@ class Panels {
   // override it to answer without a person.
   virtual std::optional<QColor> chooseColor(QWidget* parent, const QColor& initial);
 };
+
+// Makes a dialog application-modal and keeps it above every floating window
+// of the program: the palettes and the splash stay on top of the view
+// windows, and a modal dialog they covered would leave the program looking
+// frozen. Every dialog the program runs goes through this.
+void prepareModalDialog(QDialog& dialog);
 
 // Process-wide; the application installs its Qt panels, tests their own.
 void setPanels(Panels* panels);

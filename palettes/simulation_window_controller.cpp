@@ -5,7 +5,6 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -16,16 +15,9 @@
 SimulationWindowController::SimulationWindowController(QObject* parent)
     : PaletteController(QStringLiteral("SimPalette"), tr("Simulation"), parent) {
   buildWindow();
-  // The host may be installed after the palettes are made; then the menus
-  // are added when the palette is first shown.
-  populateMenuBar();
 }
 
 void SimulationWindowController::buildWindow() {
-  menuBar_ = new QMenuBar(window());
-  menuBar_->setObjectName(QStringLiteral("menuBar"));
-  windowLayout()->setMenuBar(menuBar_);
-
   auto* form = new QFormLayout;
   name_ = makeTextField("name");
   g_ = makeTextField("g");
@@ -87,15 +79,7 @@ void SimulationWindowController::buildWindow() {
           [this, createButton] { clickCreateButton(createButton); });
 }
 
-void SimulationWindowController::populateMenuBar() {
-  if (!menuBarPopulated_ && paletteHost() != nullptr) {
-    paletteHost()->populateMenuBar(menuBar_);
-    menuBarPopulated_ = true;
-  }
-}
-
 void SimulationWindowController::willBecomeVisible() {
-  populateMenuBar();
   setControlsState();
 }
 

@@ -4,13 +4,11 @@
 
 class QComboBox;
 class QLineEdit;
-class QMenuBar;
 class QPushButton;
 
 // The simulation palette: the world's parameters, its conserved quantities
 // and elapsed time, and the buttons that run, step, enter design mode and
-// create a body. It also carries the application's menu bar, so the menus
-// stay reachable with no view window open.
+// create a body.
 class SimulationWindowController : public PaletteController {
   Q_OBJECT
 
@@ -38,7 +36,6 @@ class SimulationWindowController : public PaletteController {
 
  private:
   void buildWindow();
-  void populateMenuBar();
   void commitCollisionModel();
 
   QLineEdit* name_ = nullptr;
@@ -57,8 +54,6 @@ class SimulationWindowController : public PaletteController {
   QPushButton* runButton_ = nullptr;
   QPushButton* stepButton_ = nullptr;
   QPushButton* editButton_ = nullptr;
-  QMenuBar* menuBar_ = nullptr;
-  bool menuBarPopulated_ = false;
   // The user chose "other" and the pop-up keeps showing it, even when the
   // coefficient happens to be exactly 0 or 1.
   bool userSelectedOtherE_ = false;

@@ -4,7 +4,10 @@
 #include <memory>
 #include <string>
 
+#include "document/log_store.h"
+
 class PaletteWindow;
+class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 class QTimer;
@@ -26,8 +29,10 @@ class TextOutputController : public QObject {
   bool wantsText() const { return wantsText_; }
   // Appends one line for the host's world as it stands.
   void writeLine();
-  // The whole log, byte for byte as it is saved (UTF-8).
-  const std::string& text() const { return log_; }
+  // The whole log, byte for byte as it is saved (UTF-8). It may be large:
+  // for tests and small logs.
+  std::string text() const { return log_.contents(); }
+  int64_t lineCount() const { return log_.lineCount(); }
 
   void clickBegin(QObject* sender);
   void clickEnd(QObject* sender);
@@ -36,6 +41,7 @@ class TextOutputController : public QObject {
 
  private:
   void showPendingText();
+  void showLineCount();
 
   std::unique_ptr<PaletteWindow> window_;
   QPlainTextEdit* viewtext_ = nullptr;
@@ -43,11 +49,16 @@ class TextOutputController : public QObject {
   QPushButton* end_ = nullptr;
   QPushButton* clear_ = nullptr;
   QPushButton* save_ = nullptr;
+  QLabel* status_ = nullptr;
   QTimer* showTimer_ = nullptr;
   bool wantsText_ = false;
   // The log is kept as its own bytes: the text view would turn some
   // characters of body names (no-break spaces, line separators) into others.
-  std::string log_;
-  // How much of log_ the text view already shows.
-  std::size_t shownBytes_ = 0;
+  // Most of it lives in a temporary file; the text view shows only the
+  // newest lines.
+  LogStore log_;
+  // The line being formed, and lines not yet in the text view.
+  std::string line_;
+  std::string unshown_;
+  int64_t shownLines_ = 0;
 };

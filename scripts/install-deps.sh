@@ -11,6 +11,7 @@ packages=(
   libgl1-mesa-dri libglu1-mesa-dev
   xvfb xauth fonts-dejavu-core
   libxcb1-dev
+  dpkg-dev file appstream man-db
   libopenmpi-dev openmpi-bin
 )
 

@@ -97,6 +97,9 @@ class OrrenvaleGL : public QOpenGLWidget {
   GLUquadric* pObj = nullptr;
   unsigned int sphereList = 0;
   bool fGLInit = false;
+  // Wheel units not yet turned into a whole notch: smooth scrolling (a
+  // touchpad) reports a notch in many small steps.
+  int wheelRemainder_ = 0;
   QTimer* redrawTimer_ = nullptr;
   std::unique_ptr<View> v_;
 };

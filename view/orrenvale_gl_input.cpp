@@ -19,7 +19,7 @@ constexpr int kSelectBufferWords = 16;
 // Side of the square pick region centred on the pointer, pixels.
 constexpr double kPickRegion = 0.1;
 // A wheel reports 120 units per notch; the view zooms by whole notches.
-constexpr float kWheelUnitsPerNotch = 120.0f;
+constexpr int kWheelUnitsPerNotch = 120;
 
 World* hostWorld() {
   ViewHost* host = viewHost();
@@ -94,9 +94,15 @@ void OrrenvaleGL::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void OrrenvaleGL::wheelEvent(QWheelEvent* event) {
-  const float notches = static_cast<float>(event->angleDelta().y()) / kWheelUnitsPerNotch;
-  // Truncated towards zero: less than a notch in one event does nothing.
-  zoomCamera(static_cast<double>(static_cast<int>(notches)));
+  // The delta is counted in whole notches, truncated towards zero; what is
+  // left over stays for the next event, so many small deltas add up to the
+  // notches they make together.
+  const int units = wheelRemainder_ + event->angleDelta().y();
+  const int notches = units / kWheelUnitsPerNotch;
+  wheelRemainder_ = units % kWheelUnitsPerNotch;
+  if (notches != 0) {
+    zoomCamera(static_cast<double>(notches));
+  }
   event->accept();
 }
 

@@ -1,11 +1,17 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QImageReader>
 #include <QMainWindow>
 #include <QTemporaryDir>
+#include <atomic>
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 #include "app_test_support.h"
 #include "document/world_document.h"
@@ -195,6 +201,34 @@ TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
   EXPECT_EQ(viewWindowCount(), 0);
 }
 
+TEST_F(DocumentTest, FifoGivesTheDefaultWorldWithoutWaitingForAWriter) {
+  const QByteArray fifo = QFile::encodeName(path("world.ovd"));
+  ASSERT_EQ(mkfifo(fifo.constData(), 0600), 0);
+  // Opening the FIFO for reading would wait for a writer. This thread is one
+  // the moment anybody reads (its non-blocking open fails until then), so
+  // the test ends either way and tells whether the FIFO was opened.
+  std::atomic<bool> done = false;
+  std::atomic<bool> opened = false;
+  std::thread writer([&] {
+    while (!done) {
+      if (const int fd = ::open(fifo.constData(), O_WRONLY | O_NONBLOCK); fd >= 0) {
+        opened = true;
+        ::close(fd);
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+  controller->newBody(nullptr);
+  controller->openFile(path("world.ovd"));
+  done = true;
+  writer.join();
+  flush();
+  EXPECT_FALSE(opened);
+  EXPECT_EQ(world().bodies->count(), 0);
+  EXPECT_EQ(viewWindowCount(), 0);
+  EXPECT_TRUE(controller->editing());
+}
+
 TEST_F(DocumentTest, CancelledPanelsChangeNothing) {
   designWorld();
   controller->openDocumentFromMenu(nullptr);  // "Don't Save", then the panel is cancelled
@@ -263,11 +297,11 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
 }
 
 TEST_F(DocumentTest, PrintHandsTheCapturedViewToThePrintDialog) {
-  controller->mainWindowController()->setContentSize(260, 180);
+  controller->mainWindowController()->setContentSize(300, 240);
   flush();
   QTest::qWait(100);
   item("menuFilePrint")->trigger();
-  EXPECT_EQ(panels.printed.size(), QSize(260, 180));
+  EXPECT_EQ(panels.printed.size(), QSize(300, 240));
 }
 
 }  // namespace

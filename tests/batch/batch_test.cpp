@@ -1,4 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -16,8 +23,10 @@ struct BatchRun {
   QString err;
 };
 
-BatchRun runBatch(const QStringList& args) {
+// childSetup runs in the child between fork and exec.
+BatchRun runBatch(const QStringList& args, const std::function<void()>& childSetup = {}) {
   QProcess process;
+  process.setChildProcessModifier(childSetup);
   process.start(QStringLiteral(ORRENVALE_BATCH), args);
   // Generous: the slowest case reads 32 MB under the sanitizers.
   process.waitForFinished(120000);
@@ -130,6 +139,146 @@ TEST_F(Batch, UnwritableLogOrSaveFileFailsWithItsName) {
   }
 }
 
+// A hundred bodies ten units apart: a save takes about 60 KB and every
+// logged step about 9 KB, more than the 32 KB the fault tests allow.
+QByteArray hundredBodies() {
+  QByteArray bodies;
+  for (int i = 0; i < 100; ++i) {
+    bodies += "<key>" + QByteArray::number(100 + i) + "</key><dict><key>Position X</key><real>" +
+              QByteArray::number(10 * i) + "</real></dict>";
+  }
+  return "<plist><dict><key>Bodies</key><dict>" + bodies + "</dict></dict></plist>";
+}
+
+// Reads a FIFO until its writer closes it. A minute without a writer (one
+// that replaced the FIFO instead of writing to it) ends the wait.
+QByteArray drainFifo(int fd) {
+  QByteArray received;
+  pollfd ready{fd, POLLIN, 0};
+  char buffer[1 << 16];
+  ssize_t got = 0;
+  while (poll(&ready, 1, 60000) > 0 && (got = read(fd, buffer, sizeof buffer)) > 0) {
+    received.append(buffer, got);
+  }
+  return received;
+}
+
+class BatchTargets : public Batch, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(BatchTargets, FifoAndOwnStandardOutputReceiveWhatARegularFileWould) {
+  const QString world = write("world.ovd", kOneBody);
+  const QLatin1String option(GetParam());
+  ASSERT_EQ(runBatch({"-n", "5", option, path("regular"), world}).exitCode, 0);
+  QFile regular(path("regular"));
+  ASSERT_TRUE(regular.open(QIODevice::ReadOnly));
+  const std::string expected = regular.readAll().toStdString();
+
+  const QByteArray fifo = QFile::encodeName(path("fifo"));
+  ASSERT_EQ(mkfifo(fifo.constData(), 0600), 0);
+  const int reader = open(fifo.constData(), O_RDONLY | O_NONBLOCK);
+  QProcess process;
+  process.start(QStringLiteral(ORRENVALE_BATCH), {"-n", "5", option, path("fifo"), world});
+  EXPECT_EQ(drainFifo(reader).toStdString(), expected);
+  close(reader);
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitCode(), 0);
+  struct stat st {};
+  EXPECT_TRUE(stat(fifo.constData(), &st) == 0 && S_ISFIFO(st.st_mode));
+
+  // /proc/self/fd/1 is where /dev/stdout leads; unlike /dev/stdout it
+  // cannot be replaced, even by a faulty runner run as root.
+  const BatchRun run = runBatch({"-n", "5", option, "/proc/self/fd/1", world});
+  EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+  EXPECT_EQ(run.out.toStdString(), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Batch, BatchTargets, ::testing::Values("--log", "--save"),
+                         [](const auto& p) { return std::string(p.param + 2); });
+
+enum class Fault { FileSizeLimit, FullFileSystem, ReadOnlyFileSystem, FullDevice };
+
+class BatchWriteFaults : public Batch,
+                         public ::testing::WithParamInterface<std::tuple<const char*, Fault>> {
+ protected:
+  void TearDown() override {
+    if (!mounted_.isEmpty()) {
+      umount2(mounted_.constData(), MNT_DETACH);
+    }
+  }
+
+  QByteArray mounted_;
+};
+
+TEST_P(BatchWriteFaults, FailWithTheSystemsReasonAndLeaveTheTargetAsItWas) {
+  const auto [option, fault] = GetParam();
+  const QString world = write("world.ovd", hundredBodies());
+  const QString folder = path("target");
+  ASSERT_TRUE(QDir().mkpath(folder));
+  QString target = folder + "/out";
+  std::function<void()> childSetup;
+  const char* reason = "No space left on device";
+  if (fault == Fault::FileSizeLimit) {
+    // SIGXFSZ keeps its default action: the runner must turn it into an error.
+    childSetup = [] {
+      const rlimit limit{32768, 32768};
+      setrlimit(RLIMIT_FSIZE, &limit);
+    };
+    reason = "File too large";
+  } else if (fault == Fault::FullDevice) {
+    // Root gets a device of its own with the numbers of /dev/full, so that a
+    // faulty runner could replace only that; others cannot replace /dev/full.
+    target = geteuid() == 0 ? target : QStringLiteral("/dev/full");
+    if (geteuid() == 0 &&
+        mknod(QFile::encodeName(target).constData(), S_IFCHR | 0600, makedev(1, 7)) != 0) {
+      GTEST_SKIP() << "cannot make a device here";
+    }
+  } else {
+    // A file system of 32 KB on the folder; only root may mount one.
+    if (geteuid() != 0 ||
+        mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, "size=32k") != 0) {
+      GTEST_SKIP() << "mounting a file system needs root";
+    }
+    mounted_ = QFile::encodeName(folder);
+  }
+  if (fault != Fault::FullDevice) {
+    QFile old(target);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("old\n") == 4);
+  }
+  if (fault == Fault::ReadOnlyFileSystem) {
+    ASSERT_EQ(mount("tmpfs", mounted_.constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    reason = "Read-only file system";
+  }
+  const BatchRun run = runBatch({"-n", "50", QLatin1String(option), target, world}, childSetup);
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err.toStdString(), QStringLiteral("orrenvale-batch: %1: cannot be written (%2)\n")
+                                       .arg(target, QLatin1String(reason))
+                                       .toStdString());
+  if (fault == Fault::FullDevice) {
+    struct stat st {};
+    EXPECT_TRUE(stat(QFile::encodeName(target).constData(), &st) == 0 && S_ISCHR(st.st_mode));
+  } else {
+    EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("out")});
+    QFile old(target);
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_EQ(old.readAll(), "old\n");
+  }
+}
+
+std::string faultCaseName(const ::testing::TestParamInfo<std::tuple<const char*, Fault>>& info) {
+  static const char* const kNames[] = {"FileSizeLimit", "FullFileSystem", "ReadOnlyFileSystem",
+                                       "FullDevice"};
+  return std::string(std::get<0>(info.param) + 2) +
+         kNames[static_cast<int>(std::get<1>(info.param))];
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Batch, BatchWriteFaults,
+    ::testing::Combine(::testing::Values("--log", "--save"),
+                       ::testing::Values(Fault::FileSizeLimit, Fault::FullFileSystem,
+                                         Fault::ReadOnlyFileSystem, Fault::FullDevice)),
+    faultCaseName);
+
 struct BadFile {
   const char* name;
   QByteArray content;
@@ -176,9 +325,14 @@ INSTANTIATE_TEST_SUITE_P(
                 "not valid XML: the text is not UTF-8 (byte 0xc3 at line 5"}),
     [](const auto& p) { return std::string(p.param.name); });
 
-TEST_F(Batch, MissingFileAndFolderAreNamed) {
+TEST_F(Batch, MissingFileFolderFifoAndDeviceAreNamed) {
+  // A FIFO is refused without being opened: opening it would wait for a
+  // writer, and the run would hang here.
+  ASSERT_EQ(mkfifo(QFile::encodeName(path("fifo.ovd")).constData(), 0600), 0);
   for (const auto& [file, reason] :
-       {std::pair{path("absent.ovd"), "no such file"}, std::pair{dir_.path(), "is a directory"}}) {
+       {std::pair{path("absent.ovd"), "no such file"}, std::pair{dir_.path(), "is a directory"},
+        std::pair{path("fifo.ovd"), "not a regular file"},
+        std::pair{QStringLiteral("/dev/null"), "not a regular file"}}) {
     const BatchRun run = runBatch({file});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err,

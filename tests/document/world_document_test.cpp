@@ -3,6 +3,7 @@
 #include <QTemporaryDir>
 #include <bit>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -247,6 +248,52 @@ TEST(WorldDocument, IdentifierIsTheLeadingIntegerOfTheKey) {
   EXPECT_EQ(bodies[1]->id, 0);
   EXPECT_EQ(world.nextBodyId, 251);
 }
+
+struct DuplicateIdCase {
+  const char* name;
+  QStringList keys;
+  std::vector<int32_t> ids;
+  int32_t nextBodyId;
+};
+
+class WorldDocumentDuplicateIds : public ::testing::TestWithParam<DuplicateIdCase> {};
+
+TEST_P(WorldDocumentDuplicateIds, EveryBodyGetsItsOwnIdentifierAndSurvivesASave) {
+  QByteArray entries;
+  for (const QString& key : GetParam().keys) {
+    entries += "<key>" + key.toUtf8() + "</key><dict/>";
+  }
+  const PlistDict dict = readDict(rootWith("<key>Bodies</key><dict>" + entries + "</dict>"));
+  World world;
+  loadToWorldFromDict(world, &dict, kAll);
+  std::vector<int32_t> ids;
+  for (const Body* body : bodiesOf(world)) {
+    ids.push_back(body->id);
+  }
+  EXPECT_EQ(ids, GetParam().ids);
+  EXPECT_EQ(world.nextBodyId, GetParam().nextBodyId);
+
+  const PlistDict saved = saveWorldToDict(world, kAll);
+  World again;
+  loadToWorldFromDict(again, &saved, kAll);
+  EXPECT_EQ(again.bodies->count(), static_cast<int>(GetParam().keys.size()));
+  EXPECT_EQ(again.nextBodyId, GetParam().nextBodyId);
+}
+
+constexpr int32_t kMaxId = std::numeric_limits<int32_t>::max();
+
+INSTANTIATE_TEST_SUITE_P(
+    WorldDocument, WorldDocumentDuplicateIds,
+    ::testing::Values(
+        DuplicateIdCase{
+            "LeadingZeroAndNoDigits", {"100", "0100", "abc", "xyz"}, {100, 101, 0, 102}, 103},
+        // A duplicate is numbered above a higher identifier stored after it.
+        DuplicateIdCase{"HigherIdentifierLater", {"7", "7b", "250", "7c"}, {7, 251, 250, 252}, 253},
+        DuplicateIdCase{"CounterAtTheLargestIdentifier",
+                        {"2147483647", "2147483647b", "100"},
+                        {kMaxId, 100, 101},
+                        kMaxId}),
+    [](const auto& p) { return std::string(p.param.name); });
 
 TEST(WorldDocument, MissingKeysGiveResetValuesAndDefaultNames) {
   World world;

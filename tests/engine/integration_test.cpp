@@ -4,7 +4,9 @@
 #include <cmath>
 #include <cstdint>
 #include <numbers>
+#include <vector>
 
+#include "engine/position_point.h"
 #include "test_support.h"
 
 namespace {
@@ -219,6 +221,95 @@ TEST(Integration, AdaptiveCopiesLeaveTheMenuBalanced) {
   EXPECT_GT(observer.count(true), 0);
   ASSERT_NE(world.findBodyById(100), nullptr);
   ASSERT_NE(world.findBodyById(101), nullptr);
+}
+
+// Cancels the step at its k-th call (never when k is 0) and keeps what it saw.
+class CancellingMonitor : public StepMonitor {
+ public:
+  explicit CancellingMonitor(int cancelAt) : cancelAt_(cancelAt) {}
+  bool keepGoing(const StepProgress& progress) override {
+    seen.push_back(progress);
+    return static_cast<int>(seen.size()) != cancelAt_;
+  }
+  std::vector<StepProgress> seen;
+
+ private:
+  int cancelAt_;
+};
+
+// Every field of every body the program shows or stores, as raw bits, and
+// the trace points and time.
+std::vector<uint64_t> fullState(const World& world) {
+  std::vector<uint64_t> bits;
+  auto add = [&](double d) { bits.push_back(std::bit_cast<uint64_t>(d)); };
+  forEachItem<Body>(*world.bodies, [&](const Body& b) {
+    for (const Vector* v : {&b.position, &b.velocity, &b.acceleration, &b.force}) {
+      add(v->x), add(v->y), add(v->z);
+    }
+    add(b.mass), add(b.radius), add(b.id), add(b.active), add(b.color[0]);
+  });
+  forEachItem<PositionPoint>(*world.tracePoints, [&](const PositionPoint& p) { add(p.x); });
+  add(world.elapsedTime), add(world.timeStep);
+  return bits;
+}
+
+// The long step that once froze the program: an eccentric pair of point
+// bodies with a time step of 100 refines towards the 1e-8 substep.
+void setUpLongStep(World& world) {
+  world.gravitationalConstant = 1;
+  world.adaptive = true;
+  world.timeStep = 100;
+  Body* a = addBody(world, vec(1, 0, 0), vec(0, 0.3, 0), 1.0, 0.0);
+  addBody(world, vec(-1, 0, 0), vec(0, -0.3, 0), 1.0, 0.0);
+  a->traceEnable = true;
+  world.computeAccelerations();
+}
+
+TEST(Integration, CancelledLongStepLeavesTheWorldAsItWas) {
+  for (int cancelAt : {1, 50}) {
+    World world, untouched;
+    setUpLongStep(world);
+    setUpLongStep(untouched);
+    // One short step first: a trace point and a changed state to start from.
+    world.timeStep = untouched.timeStep = 0.001;
+    world.step();
+    untouched.step();
+    world.timeStep = 100;
+    const std::vector<uint64_t> before = fullState(world);
+    CancellingMonitor monitor(cancelAt);
+    EXPECT_FALSE(world.step(&monitor));
+    EXPECT_EQ(fullState(world), before) << "cancelled at call " << cancelAt;
+    world.timeStep = 0.001;
+    ASSERT_EQ(monitor.seen.size(), static_cast<std::size_t>(cancelAt));
+    const StepProgress& last = monitor.seen.back();
+    EXPECT_GT(last.done, 0.0);
+    // From a time step of 100 down to 1e-8: about 2 * 2^34 integrations.
+    EXPECT_GT(last.worstCase, 1e10);
+    EXPECT_LT(last.done, last.worstCase);
+    // Nothing of the cancelled step lingers: the next step is the step the
+    // untouched world takes.
+    world.step();
+    untouched.step();
+    EXPECT_EQ(fullState(world), fullState(untouched));
+  }
+}
+
+TEST(Integration, MonitorThatLetsTheStepRunChangesNoBit) {
+  World watched, plain;
+  for (World* w : {&watched, &plain}) {
+    w->adaptive = true;
+    setUpEncounter(*w);
+    // Enough bodies that the monitor is asked after every integration.
+    for (int i = 0; i < 90; ++i)
+      addBody(*w, Vector::fromCylindrical(50.0 + i, 0.0, 0.07 * i), Vector(), 1e-6, 0.001);
+  }
+  CancellingMonitor monitor(0);
+  EXPECT_TRUE(watched.step(&monitor));
+  plain.step();
+  EXPECT_EQ(fullState(watched), fullState(plain));
+  // The encounter refines: the monitor was asked, with growing counts.
+  ASSERT_GE(monitor.seen.size(), 2u);
+  EXPECT_LT(monitor.seen.front().done, monitor.seen.back().done);
 }
 
 uint64_t stateHash(const World& world) {

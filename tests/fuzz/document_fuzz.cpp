@@ -1,6 +1,6 @@
 // libFuzzer target for the datafile reader and loader: any input must give a
 // value or an error, never a crash, a hang or a leak; a loaded world must
-// save to a file that reads back.
+// save to a file that reads back, with every one of its bodies.
 #include <QByteArray>
 #include <cstdint>
 #include <cstdlib>
@@ -32,6 +32,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const PlistDict saved = saveWorldToDict(world, DocumentSections{}, views ? &*views : nullptr);
   const PlistReadResult again = readPlist(writePlist(PlistValue(saved)));
   if (!again.value || again.value->dict() == nullptr) {
+    std::abort();
+  }
+  const PlistValue* bodies = saved.find(kBodiesKey);
+  if (bodies == nullptr ||
+      bodies->dict()->size() != static_cast<std::size_t>(world.bodies->count())) {
     std::abort();
   }
   return 0;

@@ -29,7 +29,7 @@ class TextOutput : public testing::Test {
   QPlainTextEdit* viewtext() {
     return palette.window()->findChild<QPlainTextEdit*>(QStringLiteral("viewtext"));
   }
-  long lines() const { return std::count(palette.text().begin(), palette.text().end(), '\n'); }
+  long lines() const { return static_cast<long>(palette.lineCount()); }
 
   TestHost host;
   ScriptedPanels dialogs;
