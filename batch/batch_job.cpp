@@ -51,11 +51,21 @@ int BatchJob::shareStatus(int status) {
 void BatchJob::start() {
   if (link_ != nullptr) {
     shareStatus(0);
+    started_ = true;
   }
 }
 
 int BatchJob::finish(int status) {
-  return link_ != nullptr && worldShared_ ? shareStatus(status) : status;
+  if (link_ == nullptr || !worldShared_) {
+    return status;
+  }
+  // Once the steps have begun, a failure may come while the followers are
+  // still stepping (a log that cannot be written stops the leader at once):
+  // they cannot be told in turn, so the job ends with the status.
+  if (started_ && status != 0) {
+    link_->abort(status);
+  }
+  return shareStatus(status);
 }
 
 int BatchJob::follow(const BatchOptionsResult& parsed) {

@@ -40,6 +40,8 @@ class BatchJob {
   int shareStatus(int status);
 
   std::unique_ptr<JobLink> link_;
-  // Whether the followers hold the world and wait for the leader's word.
+  // Whether the followers hold the world and wait for the leader's word, and
+  // whether they have begun to step.
   bool worldShared_ = false;
+  bool started_ = false;
 };

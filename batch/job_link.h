@@ -13,6 +13,8 @@ class JobLink {
   virtual int size() const = 0;
   // Copies size bytes at data from the process of rank 0 to every other.
   virtual void broadcast(void* data, std::size_t size) = 0;
+  // Ends every process of the job at once with this exit status.
+  [[noreturn]] virtual void abort(int status) = 0;
 };
 
 // The job this process belongs to; null when it runs alone: the runner was

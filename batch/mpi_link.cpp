@@ -58,6 +58,11 @@ class MpiLink final : public JobLink {
     }
   }
 
+  [[noreturn]] void abort(int status) override {
+    MPI_Abort(MPI_COMM_WORLD, status);
+    std::_Exit(status);
+  }
+
  private:
   int rank_ = 0;
   int size_ = 1;

@@ -179,16 +179,21 @@ TEST_P(JobWorlds, OneToFourProcessesWriteTheBytesOfTheRunnerAlone) {
 INSTANTIATE_TEST_SUITE_P(Worlds, JobWorlds, ::testing::ValuesIn(kWorlds),
                          [](const auto& p) { return std::string(p.param.name); });
 
-// Only the first process reads; the others learn of the failure from it and
-// end as it does, so the job prints the reason once.
-TEST_F(Job, UnreadableWorldEndsEveryProcessWithOneMessage) {
+// Only the first process reads and writes; the others learn of a failure
+// from it, before the steps or by the end of the job during them, so the job
+// prints the reason once: a world that is missing or not a datafile, a log
+// that fills the disk after a few steps.
+TEST_F(Job, FailureEndsEveryProcessWithOneMessage) {
   QFile garbage(path(QStringLiteral("garbage.ovd")));
   ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
   garbage.write("Time step = 0.1\n");
   garbage.close();
-  for (const QString& world : {path(QStringLiteral("absent.ovd")), garbage.fileName()}) {
-    const Outcome alone = runAlone({world});
-    const Outcome job = runJob(3, {world});
+  const QString world = writeWorld(kWorlds[0]);
+  for (const QStringList& args :
+       {QStringList{path(QStringLiteral("absent.ovd"))}, QStringList{garbage.fileName()},
+        QStringList{QStringLiteral("-n1000"), QStringLiteral("--log=/dev/full"), world}}) {
+    const Outcome alone = runAlone(args);
+    const Outcome job = runJob(3, args);
     EXPECT_EQ(job.exitCode, 1);
     EXPECT_EQ(job.err, alone.err);
     EXPECT_EQ(job.err.count('\n'), 1) << job.err.toStdString();
