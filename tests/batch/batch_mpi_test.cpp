@@ -24,7 +24,10 @@ struct Outcome {
   QByteArray err;
 };
 
-// Open MPI refuses to run as root (as CI does) unless told that it may.
+// Open MPI refuses to run as root (as CI does) unless told that it may. Its
+// shared-memory transport copies between processes through ptrace where it
+// can, which containers often forbid, and then complains on every transfer;
+// plain copies avoid that.
 // Under the sanitizers its leaks are suppressed by library name, which needs
 // its plugins still loaded at exit and stacks unwound through its libraries,
 // which are built without frame pointers.
@@ -32,6 +35,7 @@ QProcessEnvironment jobEnvironment() {
   QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
   env.insert(QStringLiteral("OMPI_ALLOW_RUN_AS_ROOT"), QStringLiteral("1"));
   env.insert(QStringLiteral("OMPI_ALLOW_RUN_AS_ROOT_CONFIRM"), QStringLiteral("1"));
+  env.insert(QStringLiteral("OMPI_MCA_btl_vader_single_copy_mechanism"), QStringLiteral("none"));
   env.insert(QStringLiteral("OMPI_MCA_mca_base_component_disable_dlclose"), QStringLiteral("1"));
   if (env.contains(QStringLiteral("ASAN_OPTIONS"))) {
     env.insert(QStringLiteral("ASAN_OPTIONS"), env.value(QStringLiteral("ASAN_OPTIONS")) +
