@@ -75,8 +75,8 @@ load() {
 }
 
 printf "%-8s %-28s %12s  %s\n" bodies run steps/s "load before"
-for spec in "4000 5 45" "20000 1 4"; do
-  read -r n n1 n2 <<< "$spec"
+for sizes in "4000 5 45" "20000 1 4"; do
+  read -r n n1 n2 <<< "$sizes"
   world="$scratch/world-$n.ovd"
   make_world "$n" > "$world"
   for run in "alone, 1 thread" "alone, automatic threads" "mpirun -np 1" "mpirun -np 2"; do
