@@ -6,6 +6,11 @@
 #include <string>
 #include <vector>
 
+// Exit statuses besides 0: the world cannot be read or a file cannot be
+// written; the command line is not usable.
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+
 // The command line of orrenvale-batch.
 struct BatchOptions {
   QString world;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "batch/batch_job.h"
 #include "batch/batch_options.h"
 #include "batch/progress_bar.h"
 #include "document/log_line.h"
@@ -23,9 +24,6 @@
 #endif
 
 namespace {
-
-constexpr int kExitFailure = 1;
-constexpr int kExitUsage = 2;
 
 // Set by Ctrl+C (SIGINT) or SIGTERM: the run stops between two steps, or
 // within a long step, and writes nothing.
@@ -49,7 +47,9 @@ void catchStopSignals() {
 // line a second. Ctrl+C cancels the step, which leaves the world as it was.
 class RunnerStepWatch : public LongStepWatch {
  public:
-  explicit RunnerStepWatch(bool terminal) : terminal_(terminal) {}
+  // shared: one process of a job, whose step the others are taking too; it
+  // reports but cannot cancel alone.
+  RunnerStepWatch(bool terminal, bool shared) : terminal_(terminal), shared_(shared) {}
 
   void beginStep(int64_t number) {
     number_ = number;
@@ -62,7 +62,7 @@ class RunnerStepWatch : public LongStepWatch {
   }
 
  protected:
-  bool allowed() override { return gStopSignal == 0; }
+  bool allowed() override { return shared_ || gStopSignal == 0; }
   bool report(const StepProgress& progress, double seconds) override {
     const auto now = Clock::now();
     if (!terminal_ && now - lastLine_ < std::chrono::seconds(1)) {
@@ -79,6 +79,7 @@ class RunnerStepWatch : public LongStepWatch {
 
  private:
   bool terminal_;
+  bool shared_;
   int64_t number_ = 0;
   Clock::time_point lastLine_;
 };
@@ -118,8 +119,8 @@ void printSummary(const World& world, int64_t steps) {
   std::printf("\n");
 }
 
-int run(const BatchOptions& options) {
-  DocumentReadResult read = readDocumentFile(options.world);
+int run(const BatchOptions& options, BatchJob& job) {
+  DocumentReadResult read = job.readWorldFile(options.world);
   if (!read.dict) {
     report(options.world, read.error);
     return kExitFailure;
@@ -154,7 +155,8 @@ int run(const BatchOptions& options) {
   }
 
   std::string lines;
-  RunnerStepWatch watch(isatty(STDERR_FILENO) != 0);
+  RunnerStepWatch watch(isatty(STDERR_FILENO) != 0, job.shared());
+  job.start();
   for (int64_t done = 1; done <= options.steps; ++done) {
     watch.beginStep(done);
     const bool stepped = world.step(&watch);
@@ -207,8 +209,12 @@ int run(const BatchOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  BatchJob job(&argc, &argv);
   const std::vector<std::string> args(argv + 1, argv + argc);
   const BatchOptionsResult parsed = parseBatchOptions(args, isatty(STDERR_FILENO) != 0);
+  if (!job.leads()) {
+    return job.follow(parsed);
+  }
   if (!parsed.error.isEmpty()) {
     std::fprintf(stderr, "orrenvale-batch: %s\n\n%s", qUtf8Printable(parsed.error), batchUsage());
     return kExitUsage;
@@ -221,15 +227,19 @@ int main(int argc, char** argv) {
     std::printf("orrenvale-batch %s\n", ORRENVALE_VERSION);
     return 0;
   }
-  catchStopSignals();
-  const int status = run(parsed.options);
+  // In a job of several processes Ctrl+C goes to the launcher, which ends
+  // every process; one process alone cannot leave the others' steps.
+  if (!job.shared()) {
+    catchStopSignals();
+  }
+  int status = run(parsed.options, job);
   // The summary is buffered; a failure to write it shows when it is flushed.
   errno = 0;
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
     // The C library keeps only the error flag of an earlier failed write.
     report(QStringLiteral("standard output"),
            QStringLiteral("cannot be written (%1)").arg(systemErrorText(errno != 0 ? errno : EIO)));
-    return kExitFailure;
+    status = kExitFailure;
   }
-  return status;
+  return job.finish(status);
 }

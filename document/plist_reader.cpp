@@ -367,18 +367,18 @@ PlistReadResult readPlist(const QByteArray& xml) {
   return Reader(xml).read();
 }
 
-PlistReadResult readPlistFile(const QString& path) {
+FileBytesResult readPlistFileBytes(const QString& path) {
   const QByteArray name = QFile::encodeName(path);
   // Only a regular file is opened: opening a FIFO waits for a writer, and
   // opening a device may do anything. The path is looked at first, and the
   // descriptor again, in case something else took the path's place in
   // between; O_NONBLOCK keeps even that open from waiting.
-  const auto notRegular = [](const struct stat& st) -> std::optional<PlistReadResult> {
+  const auto notRegular = [](const struct stat& st) -> std::optional<FileBytesResult> {
     if (S_ISDIR(st.st_mode)) {
-      return PlistReadResult{std::nullopt, QStringLiteral("is a directory")};
+      return FileBytesResult{std::nullopt, QStringLiteral("is a directory")};
     }
     if (!S_ISREG(st.st_mode)) {
-      return PlistReadResult{std::nullopt, QStringLiteral("not a regular file")};
+      return FileBytesResult{std::nullopt, QStringLiteral("not a regular file")};
     }
     return std::nullopt;
   };
@@ -437,5 +437,13 @@ PlistReadResult readPlistFile(const QString& path) {
     filled += got;
   }
   bytes.truncate(filled);
-  return readPlist(bytes);
+  return {std::move(bytes), QString()};
+}
+
+PlistReadResult readPlistFile(const QString& path) {
+  FileBytesResult read = readPlistFileBytes(path);
+  if (!read.bytes) {
+    return {std::nullopt, read.error};
+  }
+  return readPlist(*read.bytes);
 }

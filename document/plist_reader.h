@@ -28,5 +28,13 @@ inline constexpr qint64 kMaxPlistFileSize = qint64{64} * 1024 * 1024;
 // accepted; any malformed or unknown element is an error.
 PlistReadResult readPlist(const QByteArray& xml);
 
+// The bytes of a regular file, read within the size bound, or a one-line
+// reason why there are none.
+struct FileBytesResult {
+  std::optional<QByteArray> bytes;
+  QString error;
+};
+FileBytesResult readPlistFileBytes(const QString& path);
+
 // Reads a property-list file; the error names the reason, not the file.
 PlistReadResult readPlistFile(const QString& path);

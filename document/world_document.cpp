@@ -326,8 +326,8 @@ float boundedWorldSpeed(float milliseconds) {
   return 0.01f;
 }
 
-DocumentReadResult readDocumentFile(const QString& path) {
-  PlistReadResult read = readPlistFile(path);
+namespace {
+DocumentReadResult documentFrom(PlistReadResult read) {
   if (!read.value) {
     return {std::nullopt, read.error};
   }
@@ -338,4 +338,13 @@ DocumentReadResult readDocumentFile(const QString& path) {
                               .arg(typeName(read.value->type()))};
   }
   return {std::move(*read.value->dict()), QString()};
+}
+}  // namespace
+
+DocumentReadResult readDocumentFile(const QString& path) {
+  return documentFrom(readPlistFile(path));
+}
+
+DocumentReadResult readDocument(const QByteArray& xml) {
+  return documentFrom(readPlist(xml));
 }

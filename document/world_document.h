@@ -65,3 +65,5 @@ struct DocumentReadResult {
 
 // Reads a datafile and checks that its root is a dictionary.
 DocumentReadResult readDocumentFile(const QString& path);
+// The same for a datafile's bytes.
+DocumentReadResult readDocument(const QByteArray& xml);

@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "distributed_passes.h"
 #include "fast_pass.h"
 #include "world.h"
 
@@ -49,11 +50,16 @@ bool World::collide() {
   // No response changes anything before the first touching pair, so when the
   // packed test finds none the pass has nothing to do, and when it finds one
   // the sequential pass from the start gives the exact result.
-  if (!FastPass::instance().mayTouch(*bodies)) {
+  DistributedPasses* shared = distributedPasses();
+  if (!(shared != nullptr ? shared->mayTouch(*this) : FastPass::instance().mayTouch(*bodies))) {
     removeInactiveBodies();
     return false;
   }
   return collidePlain();
+}
+
+bool World::mayTouchFromRows(int begin, int end) {
+  return FastPass::instance().mayTouchRows(*bodies, begin, end);
 }
 
 bool World::collidePlain() {

@@ -1,6 +1,7 @@
 #include "fast_pass.h"
 
 #include <algorithm>
+#include <cassert>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <thread>
 
 #include "body.h"
+#include "distributed_passes.h"
 #include "linked_list.h"
 
 namespace {
@@ -34,6 +36,10 @@ constexpr int kSuccessesToShrink = 64;
 // helper, and longer than a third of the test, counts as a failure too.
 constexpr int64_t kStallNs = 100'000;
 constexpr int kChunksPerThread = 8;
+// Blocks of the force pass handed to separate processes start at multiples
+// of the widest kernels' lanes, so that no vector of one block reaches into
+// the rows of another.
+constexpr int kBlockAlignment = 8;
 
 bool processorHas(KernelPath path) {
 #if defined(__x86_64__)
@@ -169,6 +175,15 @@ const KernelSet* FastPass::kernelSet() const {
   return nullptr;
 }
 
+const KernelSet* FastPass::claim(std::unique_lock<std::mutex>& lock) {
+  const KernelSet* kernels = kernelSet();
+  if (kernels == nullptr) {
+    return nullptr;
+  }
+  lock = std::unique_lock(mutex_, std::try_to_lock);
+  return lock.owns_lock() ? kernels : nullptr;
+}
+
 int FastPass::pack(const LinkedList& bodies, bool radii) {
   active_.clear();
   for (ListNode* node = bodies.head(); node != nullptr; node = node->next) {
@@ -240,12 +255,9 @@ void FastPass::judge(bool worthwhile) {
 }
 
 bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConstant) {
-  const KernelSet* kernels = kernelSet();
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
   if (kernels == nullptr) {
-    return false;
-  }
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock.owns_lock()) {
     return false;
   }
   const int n = pack(bodies, false);
@@ -316,12 +328,9 @@ void FastPass::ForceTask::run(int row, int) {
 }
 
 bool FastPass::mayTouch(const LinkedList& bodies) {
-  const KernelSet* kernels = kernelSet();
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
   if (kernels == nullptr) {
-    return true;
-  }
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  if (!lock.owns_lock()) {
     return true;
   }
   const int n = pack(bodies, true);
@@ -330,22 +339,15 @@ bool FastPass::mayTouch(const LinkedList& bodies) {
   if (threads == 1) {
     return kernels->anyTouching(packed, 0, n);
   }
-  // Chunks of rows with about equal numbers of pairs; row i has n - 1 - i.
   TouchTask& task = touchTask_;
   task.kernels = kernels;
   task.packed = packed;
   task.found.store(false);
-  task.rowStarts.assign(1, 0);
   const int chunks = threads * kChunksPerThread;
-  const int64_t pairs = static_cast<int64_t>(n) * (n - 1) / 2;
-  int64_t sum = 0;
-  for (int i = 0; i < n; ++i) {
-    sum += n - 1 - i;
-    if (sum * chunks >= pairs * static_cast<int64_t>(task.rowStarts.size()) && i + 1 < n) {
-      task.rowStarts.push_back(i + 1);
-    }
+  task.rowStarts.clear();
+  for (int c = 0; c <= chunks; ++c) {
+    task.rowStarts.push_back(touchRowStart(n, chunks, c));
   }
-  task.rowStarts.push_back(n);
   const auto start = std::chrono::steady_clock::now();
   const int64_t waitNs = pool_.run(task, static_cast<int>(task.rowStarts.size()) - 1, threads - 1);
   judge(waitNs < kStallNs || 3 * waitNs < nanosecondsSince(start));
@@ -360,4 +362,94 @@ void FastPass::TouchTask::run(int chunk, int) {
   if (kernels->anyTouching(packed, rowStarts[c], rowStarts[c + 1])) {
     found.store(true, std::memory_order_relaxed);
   }
+}
+
+// Exactness: this is the threaded schedule's tiling cut down to one block's
+// rows and columns. Every body of the block gets its contributions in list
+// order of partner, each pair evaluated by the same kernel code in the same
+// orientation (earlier body first) as in the whole pass:
+// - the rectangle of the earlier bodies [0, begin) against the block gives
+//   the block's partners before it, in row order, on the partner side of the
+//   kernel, exactly as the tiles above the block's diagonal do;
+// - the triangle of the block gives the partners inside it;
+// - the rectangle of the block against the later bodies [end, n) gives the
+//   partners after it, on the row side, exactly as the block's own row of
+//   tiles does.
+// The kernels also add to the packed accumulators of the bodies outside the
+// block; those sums are not written back. A pair inside the block is
+// evaluated once; a pair between the block and the rest is evaluated here and
+// again for the other body's block: that duplicate work is the price of
+// needing no partial sums from other blocks.
+bool FastPass::computeBlockForces(const LinkedList& bodies, double gravitationalConstant, int begin,
+                                  int end) {
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
+  if (kernels == nullptr) {
+    return false;
+  }
+  const int n = pack(bodies, false);
+  end = std::clamp(end, 0, n);
+  begin = std::clamp(begin, 0, end);
+  assert(begin % kBlockAlignment == 0 || begin == end);
+  PackedBodies packed{x_, y_, z_, m_, fx_, fy_, fz_, n, -gravitationalConstant};
+  kernels->rectangle(packed, 0, begin, begin, end);
+  kernels->triangle(packed, begin, end);
+  kernels->rectangle(packed, begin, end, end, n);
+  for (int k = begin; k < end; ++k) {
+    Body& b = *active_[static_cast<size_t>(k)];
+    b.force.x = fx_[k];
+    b.force.y = fy_[k];
+    b.force.z = fz_[k];
+  }
+  return true;
+}
+
+bool FastPass::mayTouchRows(const LinkedList& bodies, int begin, int end) {
+  std::unique_lock<std::mutex> lock;
+  const KernelSet* kernels = claim(lock);
+  if (kernels == nullptr) {
+    return true;
+  }
+  const int n = pack(bodies, true);
+  end = std::clamp(end, 0, n);
+  begin = std::clamp(begin, 0, end);
+  const PackedBodies packed{x_, y_, z_, m_, fx_, fy_, fz_, n, 0.0};
+  return kernels->anyTouching(packed, begin, end);
+}
+
+int forceBlockStart(int count, int parts, int part) {
+  if (part >= parts) {
+    return count;
+  }
+  if (part <= 0) {
+    return 0;
+  }
+  const int64_t start = static_cast<int64_t>(count) * part / parts;
+  return static_cast<int>(start - start % kBlockAlignment);
+}
+
+int touchRowStart(int count, int parts, int part) {
+  if (part >= parts) {
+    return count;
+  }
+  if (part <= 0) {
+    return 0;
+  }
+  // The rows before s hold s (2n - 1 - s) / 2 pairs, which grows with s: the
+  // part starts at the first row where that reaches its share. Doubles count
+  // exactly far past any world that fits in memory.
+  const double n = count;
+  const double wanted = n * (n - 1.0) / 2.0 * part / parts;
+  int low = 0;
+  int high = count;
+  while (low < high) {
+    const int mid = low + (high - low) / 2;
+    const double s = mid;
+    if (s * (2.0 * n - 1.0 - s) / 2.0 >= wanted) {
+      high = mid;
+    } else {
+      low = mid + 1;
+    }
+  }
+  return low;
 }

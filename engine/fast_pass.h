@@ -27,6 +27,14 @@ class FastPass {
   // False when no two active bodies touch; true when some pair touches or the
   // test was not made (reference path, instance in use).
   bool mayTouch(const LinkedList& bodies);
+  // The same two passes for one block of the work, on the calling thread: the
+  // forces of the active bodies [begin, end) (in list order) from all their
+  // partners, written to those bodies only; and the touch test of the pairs
+  // whose earlier body is in [begin, end). Same return values as above. The
+  // force block must start at a multiple of 8 (see forceBlockStart).
+  bool computeBlockForces(const LinkedList& bodies, double gravitationalConstant, int begin,
+                          int end);
+  bool mayTouchRows(const LinkedList& bodies, int begin, int end);
 
   bool setPath(KernelPath path);
   KernelPath path() const { return path_.load(); }
@@ -72,6 +80,9 @@ class FastPass {
   };
 
   const KernelSet* kernelSet() const;
+  // The kernels of the chosen path, with the instance locked for one pass;
+  // null when the reference path is chosen or another thread holds it.
+  const KernelSet* claim(std::unique_lock<std::mutex>& lock);
   // Copies the active bodies into the packed arrays; radii instead of masses
   // for the touch test. Returns the count.
   int pack(const LinkedList& bodies, bool radii);

@@ -1,12 +1,16 @@
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
+#include "distributed_passes.h"
 #include "fast_pass.h"
 #include "world.h"
 
 namespace {
 constexpr double kEnergyTolerance = 1e-12;
 constexpr double kMinimumSubstep = 1e-8;
+
+DistributedPasses* gDistributedPasses = nullptr;
 
 LinkedList* copyBodies(const LinkedList& source) {
   auto* copy = new LinkedList;
@@ -23,10 +27,41 @@ void World::clearAllForces() {
   });
 }
 
+void setDistributedPasses(DistributedPasses* passes) {
+  gDistributedPasses = passes;
+}
+
+DistributedPasses* distributedPasses() {
+  return gDistributedPasses;
+}
+
 void World::computeForces() {
-  if (!FastPass::instance().computeForces(*bodies, gravitationalConstant)) {
+  if (gDistributedPasses != nullptr) {
+    gDistributedPasses->computeForces(*this);
+  } else if (!FastPass::instance().computeForces(*bodies, gravitationalConstant)) {
     computeForcesPlain();
   }
+}
+
+void World::computeBlockForces(int begin, int end) {
+  if (FastPass::instance().computeBlockForces(*bodies, gravitationalConstant, begin, end)) {
+    return;
+  }
+  // The reference path has no block form: the whole pass runs, and the
+  // accumulators outside the block get their values back.
+  std::vector<Vector> before;
+  forEachItem<Body>(*bodies, [&](const Body& b) { before.push_back(b.force); });
+  computeForcesPlain();
+  size_t k = 0;
+  int active = 0;
+  forEachItem<Body>(*bodies, [&](Body& b) {
+    const bool inBlock = b.active && active >= begin && active < end;
+    active += b.active ? 1 : 0;
+    if (!inBlock) {
+      b.force = before[k];
+    }
+    ++k;
+  });
 }
 
 void World::computeForcesPlain() {

@@ -75,6 +75,10 @@ class World {
   // The force pass as a plain loop over the body list: the reference that
   // defines the results (each body's sum is formed in list order of partner).
   void computeForcesPlain();
+  // The force pass for one block of the active bodies, [begin, end) in list
+  // order, begin a forceBlockStart: their accumulators receive exactly what
+  // computeForces adds to them; every other accumulator is left as it was.
+  void computeBlockForces(int begin, int end);
   double energy() const;
   Vector momentum() const;
   Vector centerOfMass() const;
@@ -90,6 +94,10 @@ class World {
   // the body list that answers the pairs one after another.
   bool collide();
   bool collidePlain();
+  // The touch test of collide() for the pairs whose earlier body is one of
+  // the active bodies [begin, end): false when none of them touches; true
+  // when one does or the test was not made.
+  bool mayTouchFromRows(int begin, int end);
   void recordTraces();
   // The two halves of recordTraces: a step trims only once it is done, so
   // a cancelled step can take back the points it added.

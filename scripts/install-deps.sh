@@ -13,6 +13,7 @@ packages=(
   libxcb1-dev
   openbox xdotool x11-utils
   dpkg-dev file appstream man-db
+  libopenmpi-dev openmpi-bin
 )
 
 missing=()

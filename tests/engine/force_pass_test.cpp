@@ -4,12 +4,15 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "engine/distributed_passes.h"
 #include "engine/speed.h"
 #include "engine/world.h"
+#include "test_support.h"
 
 // The fast passes must give exactly the bits of the plain passes over the
 // body list, on every instruction set and with any number of threads. Two
@@ -29,23 +32,33 @@ bool sameBits(double a, double b) {
   return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+// parts > 0: the passes are split into that many blocks, as processes that
+// share them out do.
 struct Config {
   KernelPath path;
   int threads;
+  int parts = 0;
   std::string name() const {
-    return std::string(kernelPathName(path)) + " x" + std::to_string(threads);
+    return std::string(kernelPathName(path)) + " x" + std::to_string(threads) +
+           (parts > 0 ? " in " + std::to_string(parts) + " parts" : "");
   }
 };
 
-// Every packed path this processor runs, each on one and on two threads.
+// Every packed path this processor runs, each on one and on two threads and
+// split into 1, 2, 3 and 5 parts; and the reference path split into 3, which
+// has no block form of its own.
 std::vector<Config> fastConfigs() {
   std::vector<Config> configs;
   for (KernelPath p : {KernelPath::Sse2, KernelPath::Avx2, KernelPath::Avx512}) {
     if (kernelPathSupported(p)) {
       configs.push_back({p, 1});
       configs.push_back({p, 2});
+      for (int parts : {1, 2, 3, 5}) {
+        configs.push_back({p, 1, parts});
+      }
     }
   }
+  configs.push_back({KernelPath::Reference, 1, 3});
   return configs;
 }
 
@@ -97,6 +110,63 @@ void setForces(World& world, const std::vector<Vector>& forces) {
   forEachItem<Body>(*world.bodies, [&](Body& b) { b.force = forces[k++]; });
 }
 
+// Does in one process what processes that share out the passes do together:
+// every part computes its block from the same starting accumulators, and the
+// blocks are put together; the touch test is the union of the parts' rows.
+// A block pass that touches an accumulator outside its block fails the test.
+class SequentialParts : public DistributedPasses {
+ public:
+  explicit SequentialParts(int parts) : parts_(parts) { setDistributedPasses(this); }
+  ~SequentialParts() override { setDistributedPasses(nullptr); }
+  SequentialParts(const SequentialParts&) = delete;
+  SequentialParts& operator=(const SequentialParts&) = delete;
+
+  void computeForces(World& world) override {
+    const std::vector<Vector> start = forcesOf(world);
+    std::vector<Vector> result = start;
+    const int n = activeCount(world);
+    for (int p = 0; p < parts_; ++p) {
+      const int begin = forceBlockStart(n, parts_, p);
+      const int end = forceBlockStart(n, parts_, p + 1);
+      setForces(world, start);
+      world.computeBlockForces(begin, end);
+      size_t k = 0;
+      int active = 0;
+      forEachItem<Body>(*world.bodies, [&](const Body& b) {
+        const bool inBlock = b.active && active >= begin && active < end;
+        active += b.active ? 1 : 0;
+        if (inBlock) {
+          result[k] = b.force;
+        } else if (!sameBits(b.force.x, start[k].x) || !sameBits(b.force.y, start[k].y) ||
+                   !sameBits(b.force.z, start[k].z)) {
+          ADD_FAILURE() << "part " << p << " changed the force on body " << k;
+        }
+        ++k;
+      });
+    }
+    setForces(world, result);
+  }
+
+  bool mayTouch(World& world) override {
+    const int n = activeCount(world);
+    bool any = false;
+    for (int p = 0; p < parts_; ++p) {
+      any = world.mayTouchFromRows(touchRowStart(n, parts_, p), touchRowStart(n, parts_, p + 1)) ||
+            any;
+    }
+    return any;
+  }
+
+ private:
+  static int activeCount(const World& world) {
+    int n = 0;
+    forEachItem<Body>(*world.bodies, [&](const Body& b) { n += b.active ? 1 : 0; });
+    return n;
+  }
+
+  int parts_;
+};
+
 // Runs the fast pass in every configuration from the same starting forces
 // and compares each result with the plain pass.
 void expectFastPassMatchesPlain(World& world) {
@@ -107,6 +177,10 @@ void expectFastPassMatchesPlain(World& world) {
   for (const Config& c : fastConfigs()) {
     SCOPED_TRACE(c.name());
     SpeedChoice::use(c);
+    std::optional<SequentialParts> split;
+    if (c.parts > 0) {
+      split.emplace(c.parts);
+    }
     setForces(world, start);
     world.computeForces();
     const std::vector<Vector> got = forcesOf(world);
@@ -146,8 +220,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, ForcePassSizes,
 
 // Every guarded case, mixed into ordinary bodies so that they fall on the
 // diagonal strips, in partner lanes and in row lanes of the vector tiles.
-TEST(ForcePass, GuardedPairsGiveThePlainPassBits) {
-  World world;
+void fillGuarded(World& world) {
   fillRandom(world, 150, 10.0, 7);
   int k = 0;
   forEachItem<Body>(*world.bodies, [&](Body& b) {
@@ -190,6 +263,11 @@ TEST(ForcePass, GuardedPairsGiveThePlainPassBits) {
         break;
     }
   });
+}
+
+TEST(ForcePass, GuardedPairsGiveThePlainPassBits) {
+  World world;
+  fillGuarded(world);
   expectFastPassMatchesPlain(world);
 }
 
@@ -212,18 +290,7 @@ std::vector<double> stateOf(const World& world) {
 // test refines down to its 1e-8 bound; a time step of 1e-7 keeps that to a
 // few levels.
 void fillCluster(World& world, bool merge, bool adaptive) {
-  std::mt19937_64 rng(42);
-  std::uniform_real_distribution<double> unit(-1.0, 1.0);
-  const int n = adaptive ? 70 : 200;
-  for (int k = 0; k < n; ++k) {
-    Body* b = world.createBody();
-    b->position = Vector::of(unit(rng) * 10.0, unit(rng) * 10.0, unit(rng) * 10.0);
-    b->velocity = Vector::of(unit(rng), unit(rng), unit(rng));
-    b->mass = 1.0 + std::fabs(unit(rng)) * 10.0;
-    b->radius = 0.4 + 0.2 * std::fabs(unit(rng));
-    b->color[0] = static_cast<float>(std::fabs(unit(rng)));
-  }
-  world.gravitationalConstant = 1.0;
+  addRandomCluster(world, adaptive ? 70 : 200, 10.0, 42);
   world.timeStep = adaptive ? 1e-7 : 0.05;
   world.merge = merge;
   world.restitution = 0.5;
@@ -255,6 +322,10 @@ TEST_P(FullSteps, StepsGiveTheReferenceEngineBits) {
   for (const Config& c : fastConfigs()) {
     SCOPED_TRACE(c.name());
     SpeedChoice::use(c);
+    std::optional<SequentialParts> split;
+    if (c.parts > 0) {
+      split.emplace(c.parts);
+    }
     World world;
     fillCluster(world, GetParam().merge, GetParam().adaptive);
     for (int s = 0; s < kSteps; ++s) {
@@ -277,6 +348,36 @@ INSTANTIATE_TEST_SUITE_P(Models, FullSteps,
                            return std::string(p.param.merge ? "Merge" : "Rebound") +
                                   (p.param.adaptive ? "Adaptive" : "Fixed");
                          });
+
+// Blocks and rows cover every body once, in order. Force blocks start at
+// multiples of 8 and differ by at most 8 bodies; touch parts differ by at
+// most one row of pairs (n - 1) from an equal share.
+TEST(PassParts, CoverTheBodiesInBalancedParts) {
+  for (const auto& [n, parts] : {std::pair{0, 3}, std::pair{5, 4}, std::pair{100, 1},
+                                 std::pair{1000, 2}, std::pair{1003, 3}, std::pair{20000, 7}}) {
+    SCOPED_TRACE(std::to_string(n) + " bodies in " + std::to_string(parts) + " parts");
+    EXPECT_EQ(forceBlockStart(n, parts, 0), 0);
+    EXPECT_EQ(forceBlockStart(n, parts, parts), n);
+    EXPECT_EQ(touchRowStart(n, parts, 0), 0);
+    EXPECT_EQ(touchRowStart(n, parts, parts), n);
+    const double share = static_cast<double>(n) * (n - 1) / 2.0 / parts;
+    for (int p = 0; p < parts; ++p) {
+      const int begin = forceBlockStart(n, parts, p);
+      const int end = forceBlockStart(n, parts, p + 1);
+      EXPECT_EQ(begin % 8, 0);
+      EXPECT_LE(begin, end);
+      EXPECT_LE(std::abs((end - begin) - n / parts), 8);
+      const int rowBegin = touchRowStart(n, parts, p);
+      const int rowEnd = touchRowStart(n, parts, p + 1);
+      EXPECT_LE(rowBegin, rowEnd);
+      double pairs = 0.0;
+      for (int i = rowBegin; i < rowEnd; ++i) {
+        pairs += n - 1 - i;
+      }
+      EXPECT_LE(std::fabs(pairs - share), n);
+    }
+  }
+}
 
 TEST(KernelPaths, UnsupportedPathIsRefusedAndTheChoiceKept) {
   SpeedChoice restore;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cmath>
+#include <cstdint>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -51,4 +54,21 @@ inline std::vector<Body*> bodiesOf(const World& world) {
 
 inline Vector vec(double x, double y, double z) {
   return Vector::of(x, y, z);
+}
+
+// n bodies at random in a cube of the given half side, G = 1: half-unit
+// radii and speeds of about 1. In a cube of half side 10 some pairs touch at
+// once and more come into contact within a few steps of 0.05.
+inline void addRandomCluster(World& world, int n, double halfSide, uint64_t seed) {
+  std::mt19937_64 rng(seed);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  for (int k = 0; k < n; ++k) {
+    Body* b = world.createBody();
+    b->position = Vector::of(unit(rng) * halfSide, unit(rng) * halfSide, unit(rng) * halfSide);
+    b->velocity = Vector::of(unit(rng), unit(rng), unit(rng));
+    b->mass = 1.0 + std::fabs(unit(rng)) * 10.0;
+    b->radius = 0.4 + 0.2 * std::fabs(unit(rng));
+    b->color[0] = static_cast<float>(std::fabs(unit(rng)));
+  }
+  world.gravitationalConstant = 1.0;
 }

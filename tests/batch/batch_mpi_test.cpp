@@ -1,0 +1,264 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "document/plist_writer.h"
+#include "document/world_document.h"
+#include "tests/engine/test_support.h"
+
+// The runner started by mpirun with 1 to 4 processes must write exactly the
+// bytes that the runner alone writes: the log with every real in full, the
+// summary and the saved datafile.
+
+namespace {
+
+struct Outcome {
+  int exitCode = -1;
+  QByteArray out;
+  QByteArray err;
+};
+
+// Open MPI refuses to run as root (as CI does) unless told that it may. Its
+// shared-memory transport copies between processes through ptrace where it
+// can, which containers often forbid, and then complains on every transfer;
+// plain copies avoid that.
+// Under the sanitizers its leaks are suppressed by library name, which needs
+// its plugins still loaded at exit and stacks unwound through its libraries,
+// which are built without frame pointers.
+QProcessEnvironment jobEnvironment() {
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  env.insert(QStringLiteral("OMPI_ALLOW_RUN_AS_ROOT"), QStringLiteral("1"));
+  env.insert(QStringLiteral("OMPI_ALLOW_RUN_AS_ROOT_CONFIRM"), QStringLiteral("1"));
+  env.insert(QStringLiteral("OMPI_MCA_btl_vader_single_copy_mechanism"), QStringLiteral("none"));
+  env.insert(QStringLiteral("OMPI_MCA_mca_base_component_disable_dlclose"), QStringLiteral("1"));
+  if (env.contains(QStringLiteral("ASAN_OPTIONS"))) {
+    env.insert(QStringLiteral("ASAN_OPTIONS"), env.value(QStringLiteral("ASAN_OPTIONS")) +
+                                                   QStringLiteral(":fast_unwind_on_malloc=0"));
+  }
+  return env;
+}
+
+// -q keeps mpirun's own notices about failed processes out of the error
+// output; --oversubscribe allows more processes than cores.
+QStringList jobArgs(int processes, const QStringList& args) {
+  return QStringList{QStringLiteral("-q"), QStringLiteral("--oversubscribe"), QStringLiteral("-np"),
+                     QString::number(processes), QStringLiteral(ORRENVALE_BATCH)} +
+         args;
+}
+
+Outcome runProgram(const QString& program, const QStringList& args) {
+  QProcess process;
+  process.setProcessEnvironment(jobEnvironment());
+  process.start(program, args);
+  // Generous: the longest run takes a few seconds with four processes on two
+  // cores. Processes that disagree would wait for each other for ever.
+  process.waitForFinished(120000);
+  return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+          process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+Outcome runAlone(const QStringList& args) {
+  return runProgram(QStringLiteral(ORRENVALE_BATCH), args);
+}
+
+Outcome runJob(int processes, const QStringList& args) {
+  return runProgram(QStringLiteral(MPIEXEC), jobArgs(processes, args));
+}
+
+// Clusters of bodies in which some pairs touch at once and more come into
+// contact within a few steps, so that both collision passes of a step find
+// pairs.
+void addBodies(World& world, int n, double halfSide, uint64_t seed) {
+  addRandomCluster(world, n, halfSide, seed);
+  world.timeStep = 0.05;
+}
+
+struct WorldCase {
+  const char* name;
+  int steps;
+  void (*make)(World&);
+};
+
+const WorldCase kWorlds[] = {
+    {"Merging", 40, [](World& w) { addBodies(w, 60, 10.0, 1); }},
+    {"Rebounding", 40,
+     [](World& w) {
+       addBodies(w, 60, 10.0, 2);
+       w.merge = false;
+       w.restitution = 0.5;
+     }},
+    // The energy test refines down to its 1e-8 bound on the divided step: a
+    // step of 1e-7 keeps that to four levels.
+    {"AdaptiveMerging", 4,
+     [](World& w) {
+       addBodies(w, 70, 10.0, 3);
+       w.adaptive = true;
+       w.timeStep = 1e-7;
+     }},
+    // Massless bodies, coincident bodies, bodies within 1e-12 of each other:
+    // forces are skipped, rebound normals vanish, and two massless bodies
+    // that touch get velocities that are not numbers (bodies 0 and 5).
+    {"Guarded", 10,
+     [](World& w) {
+       addBodies(w, 40, 10.0, 4);
+       w.merge = false;
+       int k = 0;
+       forEachItem<Body>(*w.bodies, [&](Body& b) {
+         if (k % 5 == 0) {
+           b.mass = k % 10 == 0 ? 0.0 : -0.0;
+         } else if (k % 5 == 1) {
+           b.position = Vector::of(1.0, 2.0, 3.0 + (k % 3 == 0 ? 5e-13 : 0.0));
+         }
+         if (k == 0 || k == 5) {
+           b.position = Vector::of(-4.0, 0.0, 0.0);
+         }
+         ++k;
+       });
+     }},
+    {"ThousandBodies", 6, [](World& w) { addBodies(w, 1000, 40.0, 5); }},
+    {"FewerBodiesThanProcesses", 20, [](World& w) { addBodies(w, 3, 1.0, 6); }},
+    {"NoBodies", 3, [](World&) {}},
+};
+
+void PrintTo(const WorldCase& c, std::ostream* os) {
+  *os << c.name;
+}
+
+class Job : public ::testing::Test {
+ protected:
+  QString writeWorld(const WorldCase& c) {
+    World world;
+    c.make(world);
+    const QString path = dir_.filePath(QStringLiteral("%1.ovd").arg(QLatin1String(c.name)));
+    EXPECT_TRUE(writePlistFile(path, PlistValue(saveWorldToDict(world, DocumentSections{}))));
+    return path;
+  }
+  QString path(const QString& name) const { return dir_.filePath(name); }
+
+  QTemporaryDir dir_;
+};
+
+class JobWorlds : public Job, public ::testing::WithParamInterface<WorldCase> {};
+
+QByteArray contents(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+TEST_P(JobWorlds, OneToFourProcessesWriteTheBytesOfTheRunnerAlone) {
+  const QString world = writeWorld(GetParam());
+  // No temporary path holds a '|'.
+  const auto args = [&](const QString& tag) {
+    return QStringLiteral("-n|%1|--exact|--summary|--log|%2.log|--save|%2.ovd|%3")
+        .arg(GetParam().steps)
+        .arg(path(tag), world)
+        .split(u'|');
+  };
+  const Outcome alone = runAlone(args(QStringLiteral("alone")));
+  ASSERT_EQ(alone.exitCode, 0) << alone.err.toStdString();
+  const QByteArray log = contents(path(QStringLiteral("alone.log")));
+  const QByteArray saved = contents(path(QStringLiteral("alone.ovd")));
+  for (int processes = 1; processes <= 4; ++processes) {
+    SCOPED_TRACE(std::to_string(processes) + " processes");
+    const QString tag = QStringLiteral("job%1").arg(processes);
+    const Outcome job = runJob(processes, args(tag));
+    ASSERT_EQ(job.exitCode, 0) << job.err.toStdString();
+    EXPECT_EQ(job.err, QByteArray());
+    EXPECT_EQ(job.out, alone.out);
+    EXPECT_TRUE(contents(path(tag + QStringLiteral(".log"))) == log) << "the logs differ";
+    EXPECT_EQ(contents(path(tag + QStringLiteral(".ovd"))), saved);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Worlds, JobWorlds, ::testing::ValuesIn(kWorlds),
+                         [](const auto& p) { return std::string(p.param.name); });
+
+// Only the first process reads and writes; the others learn of a failure
+// from it, before the steps or by the end of the job during them, so the job
+// prints the reason once: a world that is missing or not a datafile, a log
+// that fills the disk after a few steps.
+TEST_F(Job, FailureEndsEveryProcessWithOneMessage) {
+  QFile garbage(path(QStringLiteral("garbage.ovd")));
+  ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
+  garbage.write("Time step = 0.1\n");
+  garbage.close();
+  const QString world = writeWorld(kWorlds[0]);
+  for (const QStringList& args :
+       {QStringList{path(QStringLiteral("absent.ovd"))}, QStringList{garbage.fileName()},
+        QStringList{QStringLiteral("-n1000"), QStringLiteral("--log=/dev/full"), world}}) {
+    const Outcome alone = runAlone(args);
+    const Outcome job = runJob(3, args);
+    EXPECT_EQ(job.exitCode, 1);
+    EXPECT_EQ(job.err, alone.err);
+    EXPECT_EQ(job.err.count('\n'), 1) << job.err.toStdString();
+    EXPECT_TRUE(job.out.isEmpty());
+  }
+}
+
+// Process identifiers of the children of a process.
+QList<qint64> childrenOf(qint64 pid) {
+  QList<qint64> children;
+  const QString tasks = QStringLiteral("/proc/%1/task").arg(pid);
+  for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    QFile file(tasks + QLatin1Char('/') + task + QStringLiteral("/children"));
+    if (file.open(QIODevice::ReadOnly)) {
+      for (const QByteArray& id : file.readAll().split(' ')) {
+        if (!id.trimmed().isEmpty()) {
+          children.append(id.trimmed().toLongLong());
+        }
+      }
+    }
+  }
+  return children;
+}
+
+// mpirun ends the whole job when one process dies; the datafile that --save
+// names is written only after the last step and through a temporary file, so
+// nothing is left in its place.
+TEST_F(Job, KilledProcessEndsTheJobAndLeavesNoSave) {
+  const QString world = writeWorld(kWorlds[4]);
+  const QString saved = path(QStringLiteral("saved.ovd"));
+  QProcess mpirun;
+  mpirun.setProcessEnvironment(jobEnvironment());
+  mpirun.start(
+      QStringLiteral(MPIEXEC),
+      jobArgs(2,
+              QStringLiteral("-n|100000|--progress|--save|%1|%2").arg(saved, world).split(u'|')));
+  ASSERT_TRUE(mpirun.waitForStarted());
+  // Mid-run: the first process reports its progress once it steps.
+  qint64 victim = 0;
+  const bool running = QTest::qWaitFor(
+      [&] {
+        const QList<qint64> processes = childrenOf(mpirun.processId());
+        if (processes.size() == 2 && !mpirun.readAllStandardError().isEmpty()) {
+          victim = processes.last();
+        }
+        return victim != 0;
+      },
+      60000);
+  if (!running) {
+    mpirun.kill();
+    mpirun.waitForFinished();
+    FAIL() << "the job did not start two processes";
+  }
+  ASSERT_EQ(::kill(static_cast<pid_t>(victim), SIGKILL), 0);
+  ASSERT_TRUE(mpirun.waitForFinished(60000));
+  EXPECT_TRUE(mpirun.exitStatus() != QProcess::NormalExit || mpirun.exitCode() != 0);
+  EXPECT_FALSE(QFile::exists(saved));
+  EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files),
+            QStringList{QStringLiteral("ThousandBodies.ovd")});
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QCoreApplication app(argc, argv);
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
