@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Runs orrenvale-batch on the arguments that follow the program name: parses
+// them, reports a usage error, prints help or the version, or loads the world,
+// steps it and writes the log, the datafile and the summary. Messages go to
+// standard error and results to standard output, each prefixed as the program
+// prints them. Returns the exit status.
+int runBatch(const std::vector<std::string>& args);
