@@ -55,11 +55,13 @@ int32_t toInt32(py::handle value, const char* what) {
   return static_cast<int32_t>(n);
 }
 
+bool isBool(py::handle value) {
+  return PyBool_Check(value.ptr()) ||
+         py::isinstance(value, py::module_::import("numpy").attr("bool_"));
+}
+
 bool toBool(py::handle value, const char* what) {
-  if (PyBool_Check(value.ptr())) {
-    return value.ptr() == Py_True;
-  }
-  if (py::isinstance(value, py::module_::import("numpy").attr("bool_"))) {
+  if (isBool(value)) {
     return PyObject_IsTrue(value.ptr()) == 1;
   }
   throw py::type_error(std::string(what) + " must be True or False, not " + typeName(value));

@@ -22,6 +22,8 @@ namespace py = pybind11;
 double toDouble(py::handle value, const char* what);
 // An integer within the range of a 32-bit field.
 int32_t toInt32(py::handle value, const char* what);
+// Whether the value is True or False (also NumPy's booleans).
+bool isBool(py::handle value);
 // True or False (also NumPy's booleans); nothing else.
 bool toBool(py::handle value, const char* what);
 // A str without NUL characters, as UTF-8. The engine cuts names longer than

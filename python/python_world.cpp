@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "conversions.h"
 #include "document/plist_writer.h"
 
 namespace {
@@ -103,12 +104,10 @@ int64_t PythonWorld::run(py::handle self, int64_t n, int64_t every, const py::ob
     if (callNow) {
       // The callback may change the world, or step it itself: no body pointer
       // is held across this call.
+      // Only True stops: a callback that happens to return something else
+      // (a body it added, a count) lets the run go on.
       const py::object result = callback(self, done);
-      const int stop = PyObject_IsTrue(result.ptr());
-      if (stop < 0) {
-        throw py::error_already_set();
-      }
-      if (stop != 0) {
+      if (isBool(result) && PyObject_IsTrue(result.ptr()) == 1) {
         break;
       }
     }

@@ -45,8 +45,8 @@ class PythonWorld : public std::enable_shared_from_this<PythonWorld> {
 
   // Steps n times with the interpreter lock released. After every `every`
   // steps and after the last one, frame (without the lock) and then callback
-  // (with it, as callback(self, done)) are called; a true result of the
-  // callback stops early. At least every 50 ms the lock is taken back to
+  // (with it, as callback(self, done)) are called; a callback that returns
+  // True stops the run. At least every 50 ms the lock is taken back to
   // check for signals, so Ctrl+C raises KeyboardInterrupt between two steps.
   // Returns the number of steps taken.
   int64_t run(py::handle self, int64_t n, int64_t every, const py::object& callback,

@@ -228,7 +228,8 @@ world's identifiers. Everything is checked before anything is written.)");
 
 The interpreter lock is released while the world steps. callback(world,
 steps_done) is called after every `every` steps and after the last one; it
-may change the world, and a true result stops the run. Ctrl+C raises
+may change the world, and returning True (a bool, NumPy's too) stops the run;
+other results are ignored. Ctrl+C raises
 KeyboardInterrupt between two steps.)");
   cls.def(
       "record",
