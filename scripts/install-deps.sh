@@ -11,6 +11,7 @@ packages=(
   libgl1-mesa-dri libglu1-mesa-dev
   xvfb xauth fonts-dejavu-core
   libxcb1-dev
+  python3-dev pybind11-dev python3-numpy python3-pytest python3-matplotlib
 )
 
 missing=()
