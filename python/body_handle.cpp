@@ -6,6 +6,7 @@
 #include <string>
 
 #include "conversions.h"
+#include "member_property.h"
 
 namespace {
 
@@ -15,16 +16,6 @@ std::optional<T> optionalField(const py::object& value, const char* what, Conver
     return std::nullopt;
   }
   return convert(value, what);
-}
-
-// Defines a read-write property of Body that goes through the handle's lookup.
-template <typename Get, typename Set>
-void bodyProperty(py::class_<BodyHandle>& cls, const char* name, Get get, Set set,
-                  const char* doc) {
-  cls.def_property(
-      name, [get](const BodyHandle& h) { return get(h.body()); },
-      [set, name](const BodyHandle& h, const py::object& value) { set(h.body(), value, name); },
-      doc);
 }
 
 }  // namespace
@@ -82,45 +73,34 @@ three real numbers.)");
   cls.def_property_readonly("id", &BodyHandle::id, "The identifier, unique within the world.");
   cls.def_property_readonly("exists", &BodyHandle::exists,
                             "Whether the world still holds a body with this identifier.");
-  bodyProperty(
-      cls, "name", [](Body& b) { return fromUtf8(b.name); },
+  const auto body = [](const BodyHandle& h) -> Body& { return h.body(); };
+  foundProperty(
+      cls, "name", body, [](Body& b) { return fromUtf8(b.name); },
       [](Body& b, const py::object& v, const char* what) { copyName(b.name, toName(v, what)); },
       "The name (at most 254 bytes of UTF-8; longer names are cut at a character).");
   const auto vectorProperty = [&](const char* name, Vector Body::*member, const char* doc) {
-    bodyProperty(
-        cls, name, [member](Body& b) { return fromVector(b.*member); },
-        [member](Body& b, const py::object& v, const char* what) { b.*member = toVector(v, what); },
-        doc);
+    memberProperty(cls, name, body, member, fromVector, toVector, doc);
   };
   vectorProperty("position", &Body::position, "Centre of the sphere.");
   vectorProperty("velocity", &Body::velocity, "Velocity.");
   vectorProperty("acceleration", &Body::acceleration,
                  "Acceleration at the start of the last step (or of the last "
                  "compute_accelerations).");
-  const auto realProperty = [&](const char* name, double Body::*member, const char* doc) {
-    bodyProperty(
-        cls, name, [member](Body& b) { return b.*member; },
-        [member](Body& b, const py::object& v, const char* what) { b.*member = toDouble(v, what); },
-        doc);
-  };
-  realProperty("mass", &Body::mass, "Mass; 1e-12 or less in magnitude gives no acceleration.");
-  realProperty("radius", &Body::radius, "Radius of the sphere, for collisions and drawing.");
-  bodyProperty(
-      cls, "color", [](Body& b) { return fromColor(b.color); },
+  memberProperty(cls, "mass", body, &Body::mass, kAsIs, toDouble,
+                 "Mass; 1e-12 or less in magnitude gives no acceleration.");
+  memberProperty(cls, "radius", body, &Body::radius, kAsIs, toDouble,
+                 "Radius of the sphere, for collisions and drawing.");
+  foundProperty(
+      cls, "color", body, [](Body& b) { return fromColor(b.color); },
       [](Body& b, const py::object& v, const char* what) {
         const std::array<float, 3> c = toColor(v, what);
         std::copy(c.begin(), c.end(), b.color);
       },
       "Red, green and blue, 0 to 1, kept in single precision.");
-  const auto flagProperty = [&](const char* name, bool Body::*member, const char* doc) {
-    bodyProperty(
-        cls, name, [member](Body& b) { return b.*member; },
-        [member](Body& b, const py::object& v, const char* what) { b.*member = toBool(v, what); },
-        doc);
-  };
-  flagProperty("trace_enable", &Body::traceEnable, "Whether the body leaves trace points.");
-  flagProperty("show_vectors", &Body::showVectors,
-               "Whether views draw the body's velocity and acceleration.");
+  memberProperty(cls, "trace_enable", body, &Body::traceEnable, kAsIs, toBool,
+                 "Whether the body leaves trace points.");
+  memberProperty(cls, "show_vectors", body, &Body::showVectors, kAsIs, toBool,
+                 "Whether views draw the body's velocity and acceleration.");
   cls.def("__eq__", [](const BodyHandle& a, const py::object& other) {
     if (!py::isinstance<BodyHandle>(other)) {
       return false;

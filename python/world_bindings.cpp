@@ -8,34 +8,13 @@
 #include "conversions.h"
 #include "document/log_line.h"
 #include "document/world_document.h"
+#include "member_property.h"
 #include "recording.h"
 #include "state_arrays.h"
 
 namespace {
 
 using WorldClass = py::class_<PythonWorld, std::shared_ptr<PythonWorld>>;
-
-// Read-write property of the engine's world, checked on the way in.
-template <typename Get, typename Set>
-void worldProperty(WorldClass& cls, const char* name, Get get, Set set, const char* doc) {
-  cls.def_property(
-      name, [get](PythonWorld& w) { return get(w.world()); },
-      [set, name](PythonWorld& w, const py::object& value) { set(w.world(), value, name); }, doc);
-}
-
-void realProperty(WorldClass& cls, const char* name, double World::*member, const char* doc) {
-  worldProperty(
-      cls, name, [member](World& w) { return w.*member; },
-      [member](World& w, const py::object& v, const char* what) { w.*member = toDouble(v, what); },
-      doc);
-}
-
-void flagProperty(WorldClass& cls, const char* name, bool World::*member, const char* doc) {
-  worldProperty(
-      cls, name, [member](World& w) { return w.*member; },
-      [member](World& w, const py::object& v, const char* what) { w.*member = toBool(v, what); },
-      doc);
-}
 
 void arrayProperty(WorldClass& cls, const char* name, const char* doc) {
   cls.def_property(
@@ -109,30 +88,30 @@ replaced whole or not at all. Raises DatafileError when it cannot be written.)")
   cls.def("reset", &PythonWorld::reset,
           "Removes every body and trace point and gives every parameter its reset value.");
 
-  realProperty(cls, "time_step", &World::timeStep, "Integration time step.");
-  realProperty(cls, "gravitational_constant", &World::gravitationalConstant, "G in the force law.");
-  realProperty(cls, "restitution", &World::restitution,
-               "Coefficient of restitution of collisions that do not merge.");
-  realProperty(cls, "elapsed_time", &World::elapsedTime,
-               "Simulated time; every step adds time_step.");
-  flagProperty(cls, "merge", &World::merge,
-               "True: touching bodies merge; False: they rebound with restitution.");
-  flagProperty(cls, "adaptive", &World::adaptive,
-               "Adaptive time stepping: each step is checked against finer substeps.");
-  worldProperty(
-      cls, "trace_history_points", [](World& w) { return w.traceHistoryPoints; },
-      [](World& w, const py::object& v, const char* what) {
-        w.traceHistoryPoints = toInt32(v, what);
-      },
-      "Bound on the number of trace points kept (a negative bound keeps none).");
-  worldProperty(
-      cls, "name", [](World& w) { return fromUtf8(w.name); },
+  const auto engineWorld = [](PythonWorld& w) -> World& { return w.world(); };
+  memberProperty(cls, "time_step", engineWorld, &World::timeStep, kAsIs, toDouble,
+                 "Integration time step.");
+  memberProperty(cls, "gravitational_constant", engineWorld, &World::gravitationalConstant, kAsIs,
+                 toDouble, "G in the force law.");
+  memberProperty(cls, "restitution", engineWorld, &World::restitution, kAsIs, toDouble,
+                 "Coefficient of restitution of collisions that do not merge.");
+  memberProperty(cls, "elapsed_time", engineWorld, &World::elapsedTime, kAsIs, toDouble,
+                 "Simulated time; every step adds time_step.");
+  memberProperty(cls, "merge", engineWorld, &World::merge, kAsIs, toBool,
+                 "True: touching bodies merge; False: they rebound with restitution.");
+  memberProperty(cls, "adaptive", engineWorld, &World::adaptive, kAsIs, toBool,
+                 "Adaptive time stepping: each step is checked against finer substeps.");
+  memberProperty(cls, "trace_history_points", engineWorld, &World::traceHistoryPoints, kAsIs,
+                 toInt32,
+                 "Bound on the number of trace points kept (a negative bound keeps none).");
+  foundProperty(
+      cls, "name", engineWorld, [](World& w) { return fromUtf8(w.name); },
       [](World& w, const py::object& v, const char* what) { w.setName(toName(v, what)); },
       "The world's name (at most 254 bytes of UTF-8; longer names are cut at a character).");
-  worldProperty(
-      cls, "milliseconds_per_update", [](World& w) { return w.millisecondsPerUpdate; },
-      [](World& w, const py::object& v, const char* what) {
-        w.millisecondsPerUpdate = boundedWorldSpeed(narrowToFloat(toDouble(v, what)));
+  memberProperty(
+      cls, "milliseconds_per_update", engineWorld, &World::millisecondsPerUpdate, kAsIs,
+      [](py::handle v, const char* what) {
+        return boundedWorldSpeed(narrowToFloat(toDouble(v, what)));
       },
       "The application's pace, single precision, with the application's bound: 0, or more "
       "than 0.01 (anything else becomes 0.01).");
