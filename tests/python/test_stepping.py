@@ -91,6 +91,8 @@ def test_recording_has_a_frame_per_k_steps_and_nan_after_a_merge():
     assert r.positions[-1, 0].tolist() == east.position.tolist()
     assert np.isnan(r.states[-1, 1]).all() and r.masses[-1, 0] == 2
     assert r.states[0, 0].tolist() == [1, 0, 0, -1, 0, 0, 0, 0, 0, 1]
+    early = w.record(100, every=10, callback=lambda world, done: done == 20)
+    assert early.steps.tolist() == [0, 10, 20] and early.states.shape == (3, 1, 10)
 
 
 def test_recording_memory_is_bounded_before_any_step():
