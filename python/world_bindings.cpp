@@ -206,10 +206,9 @@ world's identifiers. Everything is checked before anything is written.)");
       R"(Takes n steps and returns how many were taken.
 
 The interpreter lock is released while the world steps. callback(world,
-steps_done) is called after every `every` steps and after the last one; it
-may change the world, and returning True (a bool, NumPy's too) stops the run;
-other results are ignored. Ctrl+C raises
-KeyboardInterrupt between two steps.)");
+steps_done) is called after every `every` steps and after the last one. It
+may change the world; returning True (a bool, NumPy's too) stops the run, and
+other results are ignored. Ctrl+C raises KeyboardInterrupt between two steps.)");
   cls.def(
       "record",
       [](const py::object& self, int64_t n, int64_t every, const py::object& callback,
