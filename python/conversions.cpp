@@ -36,9 +36,14 @@ double toDouble(py::handle value, const char* what) {
   return d;
 }
 
+bool isBool(py::handle value) {
+  return PyBool_Check(value.ptr()) ||
+         py::isinstance(value, py::module_::import("numpy").attr("bool_"));
+}
+
 int32_t toInt32(py::handle value, const char* what) {
   // Integers and objects that are integers (NumPy's), but not floats or bools.
-  if (PyBool_Check(value.ptr()) || PyFloat_Check(value.ptr()) ||
+  if (isBool(value) || PyFloat_Check(value.ptr()) ||
       PyObject_HasAttrString(value.ptr(), "__index__") == 0) {
     throw py::type_error(std::string(what) + " must be an integer, not " + typeName(value));
   }
@@ -53,11 +58,6 @@ int32_t toInt32(py::handle value, const char* what) {
                           " must lie between -2147483648 and 2147483647, the range of the field");
   }
   return static_cast<int32_t>(n);
-}
-
-bool isBool(py::handle value) {
-  return PyBool_Check(value.ptr()) ||
-         py::isinstance(value, py::module_::import("numpy").attr("bool_"));
 }
 
 bool toBool(py::handle value, const char* what) {
