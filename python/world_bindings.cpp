@@ -47,6 +47,15 @@ BodyHandle handleOf(PythonWorld& w, const Body& b) {
   return BodyHandle(w.shared_from_this(), b.id);
 }
 
+// The handle of a body that a lookup found; KeyError with the message when
+// it found none.
+BodyHandle foundBody(PythonWorld& w, const Body* b, const std::string& missing) {
+  if (b == nullptr) {
+    throw py::key_error(missing);
+  }
+  return handleOf(w, *b);
+}
+
 py::list bodyHandles(PythonWorld& w) {
   py::list bodies;
   forEachItem<Body>(*w.world().bodies, [&](const Body& b) { bodies.append(handleOf(w, b)); });
@@ -125,21 +134,15 @@ replaced whole or not at all. Raises DatafileError when it cannot be written.)")
   cls.def(
       "body",
       [](PythonWorld& w, const py::object& id) {
-        const Body* b = w.world().findBodyById(toInt32(id, "id"));
-        if (b == nullptr) {
-          throw py::key_error("no body with identifier " + std::string(py::str(id)));
-        }
-        return handleOf(w, *b);
+        return foundBody(w, w.world().findBodyById(toInt32(id, "id")),
+                         "no body with identifier " + std::string(py::str(id)));
       },
       py::arg("id"), "The body with this identifier; KeyError when there is none.");
   cls.def(
       "body_named",
       [](PythonWorld& w, const py::object& name) {
-        const Body* b = w.world().findBodyByName(toName(name, "name"));
-        if (b == nullptr) {
-          throw py::key_error("no body named " + std::string(py::repr(name)));
-        }
-        return handleOf(w, *b);
+        return foundBody(w, w.world().findBodyByName(toName(name, "name")),
+                         "no body named " + std::string(py::repr(name)));
       },
       py::arg("name"), "The first body in list order with this name; KeyError when there is none.");
   cls.def(
