@@ -4,9 +4,9 @@
 Makes a world of N bodies (default 1000, spread out so that none collide),
 then alternates timed runs: orrenvale-batch -n STEPS (less a run with -n 0,
 which leaves process start-up and loading) and World.step(STEPS) in this
-interpreter. Prints the step rates of the fastest and the median run of each,
-the module's overhead in per cent, and the load average before and after,
-since the machine may be shared.
+interpreter. Prints the median step rates of each, per processor second and
+per wall-clock second, the module's overhead in per cent, and the load
+average before and after, since the machine may be shared.
 
     PYTHONPATH=build/release/python /usr/bin/python3 bench/python_step_bench.py \\
         [--batch build/release/batch/orrenvale-batch] [--bodies 1000] [--steps 200]
@@ -16,6 +16,7 @@ since the machine may be shared.
 import argparse
 import os
 import pathlib
+import resource
 import statistics
 import subprocess
 import tempfile
@@ -40,19 +41,26 @@ def make_world(path, bodies):
     world.save(path)
 
 
+def cpu_of_children():
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return usage.ru_utime + usage.ru_stime
+
+
 def batch_seconds(batch, world, steps):
-    start = time.perf_counter()
+    """Wall-clock and processor seconds of one orrenvale-batch run."""
+    wall, cpu = time.perf_counter(), cpu_of_children()
     subprocess.run([batch, "-n", str(steps), str(world)], check=True)
-    return time.perf_counter() - start
+    return time.perf_counter() - wall, cpu_of_children() - cpu
 
 
 def module_seconds(world_file, steps):
+    """Wall-clock and processor seconds of World.step(steps)."""
     import orrenvale
 
     world = orrenvale.World.load(world_file)
-    start = time.perf_counter()
+    wall, cpu = time.perf_counter(), time.process_time()
     world.step(steps)
-    return time.perf_counter() - start
+    return time.perf_counter() - wall, time.process_time() - cpu
 
 
 def main():
@@ -74,21 +82,23 @@ def main():
         make_world(world, args.bodies)
         batch, module = [], []
         for _ in range(args.repeats):
-            batch.append(batch_seconds(args.batch, world, args.steps) -
-                         batch_seconds(args.batch, world, 0))
+            full, empty = (batch_seconds(args.batch, world, n) for n in (args.steps, 0))
+            batch.append((full[0] - empty[0], full[1] - empty[1]))
             module.append(module_seconds(world, args.steps))
     load_after = os.getloadavg()
 
     print(f"{args.bodies} bodies, {args.steps} steps, {args.repeats} runs each, "
           f"ORRENVALE_THREADS={args.threads}")
-    # The fastest run is the one least disturbed by other work on the machine;
-    # the median shows how much that disturbance was.
+    # Processor time leaves out the time spent waiting for a core, which on a
+    # shared machine varies far more from run to run than the work does.
     for name, runs in (("orrenvale-batch", batch), ("World.step(n)", module)):
-        print(f"{name:<17} {args.steps / min(runs):9.2f} steps/s fastest, "
-              f"{args.steps / statistics.median(runs):9.2f} median  "
-              f"(s: {', '.join(f'{x:.3f}' for x in runs)})")
-    print(f"module overhead   {100 * (min(module) / min(batch) - 1):+.1f} % fastest, "
-          f"{100 * (statistics.median(module) / statistics.median(batch) - 1):+.1f} % median")
+        wall, cpu = (statistics.median(r[i] for r in runs) for i in (0, 1))
+        print(f"{name:<17} {args.steps / cpu:8.2f} steps per processor second, "
+              f"{args.steps / wall:8.2f} per second  (medians of {len(runs)})")
+    overhead = [100 * (statistics.median(m[i] for m in module) /
+                       statistics.median(b[i] for b in batch) - 1) for i in (0, 1)]
+    print(f"module overhead   {overhead[1]:+.1f} % in processor time, {overhead[0]:+.1f} % "
+          "in wall-clock time")
     print(f"load average      {load_before[0]:.2f} before, {load_after[0]:.2f} after "
           f"({os.cpu_count()} cores)")
 
