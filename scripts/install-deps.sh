@@ -14,6 +14,7 @@ packages=(
   openbox xdotool x11-utils
   dpkg-dev file appstream man-db
   libopenmpi-dev openmpi-bin
+  python3-dev pybind11-dev python3-numpy python3-pytest python3-matplotlib
 )
 
 missing=()

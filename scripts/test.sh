@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds Orrenvale and runs every test twice: in a release build, and in a
-# debug build under AddressSanitizer and UndefinedBehaviorSanitizer.
+# debug build under AddressSanitizer and UndefinedBehaviorSanitizer. The
+# Python module is built and tested in the release build only.
 # Usage: scripts/test.sh            (from anywhere)
 set -euo pipefail
 
@@ -37,6 +38,9 @@ cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DORRENVALE_WERR
   -DORRENVALE_MPI="$mpi"
 cmake --build build/release -j "$jobs"
 run_ctest build/release
+
+echo "== Python module (pytest under Debian's interpreter, for which it is built)"
+ORRENVALE_BUILD="$root/build/release" /usr/bin/python3 -m pytest -q -p no:cacheprovider tests/python
 
 echo "== sanitized build (ASan + UBSan)"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORRENVALE_WERROR=ON \

@@ -1,0 +1,65 @@
+# python3 -m orrenvale is orrenvale-batch: same output, messages and status.
+import os
+import signal
+import subprocess
+import sys
+
+import pytest
+
+from conftest import BUILD, EXAMPLES, ROOT, run, run_module
+
+FIGURE_EIGHT = str(ROOT / "examples" / "figure-eight.ovd")
+REBOUND = str(ROOT / "examples" / "rebound.ovd")
+
+# Each case's arguments; "{tmp}" stands for a scratch directory.
+CASES = {
+    "log-and-summary": ["-n", "200", "--log", "-", "--summary", FIGURE_EIGHT],
+    "exact-log": ["--exact", "--log=-", "-n50", REBOUND],
+    "no-steps": ["-n", "0", "--summary", "--", FIGURE_EIGHT],
+    "help": ["--help"],
+    "version": ["--version"],
+    "unknown-option": ["--bogus", FIGURE_EIGHT],
+    "bad-step-count": ["-n", "-3", FIGURE_EIGHT],
+    "no-world": ["--summary"],
+    "two-worlds": [FIGURE_EIGHT, REBOUND],
+    "missing-world": ["{tmp}/missing.ovd"],
+    "not-a-datafile": [str(ROOT / "README.md")],
+    "unwritable-log": ["--log", "{tmp}/no-such-folder/log.txt", FIGURE_EIGHT],
+    "unwritable-save": ["--save", "{tmp}/no-such-folder/out.ovd", FIGURE_EIGHT],
+}
+
+
+@pytest.mark.parametrize("args", CASES.values(), ids=CASES.keys())
+def test_output_and_status_are_the_runners(batch, tmp_path, args):
+    args = [a.replace("{tmp}", str(tmp_path)) for a in args]
+    assert run_module(args) == run([batch, *args])
+
+
+@pytest.mark.parametrize("example", EXAMPLES, ids=lambda p: p.stem)
+def test_written_log_and_datafile_are_the_runners(batch, tmp_path, example):
+    outputs = {}
+    for name, command in (("module", run_module), ("batch", lambda a: run([batch, *a]))):
+        log, saved = tmp_path / f"{name}.log", tmp_path / f"{name}.ovd"
+        status, out, err = command(["-n", "100", "--log", str(log), "--save", str(saved),
+                                    str(example)])
+        assert (status, out, err) == (0, b"", b"")
+        outputs[name] = (log.read_bytes(), saved.read_bytes())
+    assert outputs["module"] == outputs["batch"]
+
+
+def test_progress_goes_to_standard_error():
+    status, out, err = run_module(["--progress", "-n", "50", FIGURE_EIGHT])
+    assert (status, out) == (0, b"")
+    assert b"50/50 steps" in err
+
+
+def test_closed_pipe_ends_the_run_quietly_as_the_runner_does(batch):
+    args = ["-n", "100000", "--log", "-", FIGURE_EIGHT]
+    endings = []
+    for argv in ([batch, *args], [sys.executable, "-m", "orrenvale", *args]):
+        env = dict(os.environ, PYTHONPATH=str(BUILD / "python"))
+        with subprocess.Popen(argv, stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=env) as p:
+            p.stdout.read(10)
+            p.stdout.close()
+            endings.append((p.wait(), p.stderr.read()))
+    assert endings == [(-signal.SIGPIPE, b"")] * 2
