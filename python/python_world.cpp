@@ -69,6 +69,32 @@ void PythonWorld::reset() {
   views_.reset();
 }
 
+namespace {
+
+// Lets Ctrl+C reach a single long step (adaptive stepping that refines for
+// hours): the interpreter's signal check runs now and then within the step,
+// and a KeyboardInterrupt cancels it, leaving the world as it was before it.
+class SignalWatch : public StepMonitor {
+ public:
+  bool keepGoing(const StepProgress&) override {
+    const auto now = std::chrono::steady_clock::now();
+    if (now < next_) {
+      return true;
+    }
+    next_ = now + kSignalCheckInterval;
+    const py::gil_scoped_acquire hold;
+    interrupted = PyErr_CheckSignals() != 0;
+    return !interrupted;
+  }
+  bool interrupted = false;
+
+ private:
+  std::chrono::steady_clock::time_point next_ =
+      std::chrono::steady_clock::now() + kSignalCheckInterval;
+};
+
+}  // namespace
+
 int64_t PythonWorld::run(py::handle self, int64_t n, int64_t every, const py::object& callback,
                          const FrameHook& frame) {
   checkRunArguments(n, every);
@@ -77,12 +103,15 @@ int64_t PythonWorld::run(py::handle self, int64_t n, int64_t every, const py::ob
   int64_t done = 0;
   while (done < n) {
     bool callNow = false;
+    SignalWatch watch;
     {
       SteppingFlag flag(stepping_);
       py::gil_scoped_release release;
       const auto until = std::chrono::steady_clock::now() + kSignalCheckInterval;
       while (done < n) {
-        world_.step();
+        if (!world_.step(&watch)) {
+          break;
+        }
         ++done;
         if (done % every == 0 || done == n) {
           if (frame) {
@@ -98,7 +127,7 @@ int64_t PythonWorld::run(py::handle self, int64_t n, int64_t every, const py::ob
         }
       }
     }
-    if (PyErr_CheckSignals() != 0) {
+    if (watch.interrupted || PyErr_CheckSignals() != 0) {
       throw py::error_already_set();
     }
     if (callNow) {

@@ -60,6 +60,26 @@ def test_ctrl_c_stops_between_steps_with_a_consistent_world():
     assert np.array_equal(w.positions, again.positions)
 
 
+def test_ctrl_c_cancels_a_long_step_and_leaves_the_world_as_it_was():
+    # Two point bodies falling almost straight at each other with a time step
+    # of 100: the adaptive step would refine for hours.
+    w = orrenvale.World()
+    w.gravitational_constant, w.adaptive, w.time_step = 1.0, True, 100.0
+    w.add_body(position=(1, 0, 0), velocity=(0, 0.05, 0), radius=0.0)
+    w.add_body(position=(-1, 0, 0), velocity=(0, -0.05, 0), radius=0.0)
+    w.compute_accelerations()
+    before = w.state()
+    timer = threading.Timer(0.5, os.kill, (os.getpid(), signal.SIGINT))
+    timer.start()
+    with pytest.raises(KeyboardInterrupt):
+        w.step()
+    timer.join()
+    after = w.state()
+    assert w.elapsed_time == 0.0
+    for name in before:
+        np.testing.assert_array_equal(after[name], before[name], err_msg=name)
+
+
 def test_other_threads_cannot_touch_a_world_while_it_steps():
     w = random_world(300)
     started, errors = threading.Event(), []
