@@ -2,6 +2,7 @@
 #include <QDialog>
 #include <QMouseEvent>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 
@@ -220,11 +221,9 @@ using Redraw = ViewFixture;
 TEST_F(Redraw, TimerDrawsContinuouslyAndPausesWhileADialogIsModal) {
   OrrenvaleGL& gl = openView(200, 200);
   gl.move(900, 700);
-  QTest::qWait(200);
   EXPECT_NEAR(OrrenvaleGL::kRedrawInterval, 0.0416666679084301, 1e-16);
   QSignalSpy frames(&gl, &QOpenGLWidget::frameSwapped);
-  QTest::qWait(500);
-  EXPECT_GE(frames.count(), 6);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return frames.count() >= 6; }, 5000));
 
   QDialog dialog;
   dialog.setModal(true);
@@ -232,15 +231,22 @@ TEST_F(Redraw, TimerDrawsContinuouslyAndPausesWhileADialogIsModal) {
   dialog.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
   ASSERT_NE(QApplication::activeModalWidget(), nullptr);
-  // Repaints that the dialog's appearance itself causes settle first.
-  QTest::qWait(200);
-  frames.clear();
-  QTest::qWait(500);
-  EXPECT_EQ(frames.count(), 0);
+  // Repaints that the dialog's appearance itself causes settle first: wait
+  // until a redraw interval passes without a frame.
+  const auto quietFor = [&](int intervals) {
+    int ticks = 0;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&] { ++ticks; });
+    tick.start(42);
+    frames.clear();
+    return QTest::qWaitFor([&] { return ticks >= intervals; }, 10000) && frames.isEmpty();
+  };
+  ASSERT_TRUE(QTest::qWaitFor([&] { return quietFor(1); }, 5000));
+  // Then twelve redraw intervals pass with the dialog up: no frame.
+  EXPECT_TRUE(quietFor(12));
 
   dialog.close();
-  QTest::qWait(500);
-  EXPECT_GE(frames.count(), 6);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return frames.count() >= 6; }, 5000));
 }
 
 }  // namespace
