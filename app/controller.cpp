@@ -1,12 +1,14 @@
+// The Controller's life cycle, the simulation clock's commands and the
+// palette toggles.
 #include "controller.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
-#include <chrono>
-#include <cmath>
 
+#include "app_menus.h"
 #include "document/long_step.h"
 #include "document/world_document.h"
 #include "engine/world.h"
@@ -17,16 +19,12 @@
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
 #include "palettes/view_window_controller.h"
+#include "simulation_clock.h"
 #include "splash_window.h"
 #include "text_field_keys.h"
-#include "view/orrenvale_gl.h"
+#include "view_window_registry.h"
 
 namespace {
-
-Controller* gController = nullptr;
-
-// 0.2 s formed in single precision; Qt timers count whole milliseconds.
-constexpr std::chrono::milliseconds kAccelerationInterval{200};
 
 // Places a palette's top-left corner against the top right of the screen's
 // visible area; only the area's size counts, as the cascade is relative.
@@ -42,135 +40,6 @@ void placePalette(QWidget* window, int dx, int dy) {
   // from the top, so "H - 25" is 25 below the top edge.
   window->move(area.width() - w - dx, dy);
 }
-
-}  // namespace
-
-Controller::Controller() {
-  gController = this;
-  setViewHost(this);
-  setPaletteHost(this);
-  setBodyObserver(this);
-
-  // Every window carries its own menu bar, as the views' key commands and
-  // the Simulation palette expect; a desktop's global menu is not used.
-  QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
-
-  // init
-  w = new World;
-  buildMenus();
-  viewPalette_ = std::make_unique<ViewWindowController>();
-  bodyPalette_ = std::make_unique<BodyWindowController>();
-  simPalette_ = std::make_unique<SimulationWindowController>();
-  textPalette_ = std::make_unique<TextOutputController>();
-  placePalette(viewPalette_->window(), 4, 0);
-  placePalette(bodyPalette_->window(), 34, 25);
-  placePalette(simPalette_->window(), 64, 50);
-
-  new TextFieldKeys(this);
-
-  // awakeFromNib
-  accelerationTimer_ = new QTimer(this);
-  accelerationTimer_->setInterval(kAccelerationInterval);
-  connect(accelerationTimer_, &QTimer::timeout, this, &Controller::getAccelerations);
-  accelerationTimer_->start();
-  setUpViewMenu();
-}
-
-Controller::~Controller() {
-  accelerationTimer_->stop();
-  // The bodies' destructors would report to the menus; they go silently.
-  setBodyObserver(nullptr);
-  if (running_) {
-    discardUpdateTimer();
-  }
-  for (OrrenvaleGLWindowController* window : std::vector(viewWindows_)) {
-    delete window;
-  }
-  viewWindows_.clear();
-  deleteClosedWindows();
-  mainWindow_ = nullptr;
-  delete splash_.data();
-  simPalette_.reset();
-  viewPalette_.reset();
-  bodyPalette_.reset();
-  textPalette_.reset();
-  delete w;
-  setViewHost(nullptr);
-  setPaletteHost(nullptr);
-  delete menuOwner_;
-  gController = nullptr;
-}
-
-Controller* Controller::instance() {
-  return gController;
-}
-
-SplashWindow* Controller::splashWindow() const {
-  return splash_.data();
-}
-
-bool Controller::applicationDidFinishLaunching() {
-  if (!openGLIsUsable()) {
-    panels()->alert(nullptr, "Invalid OpenGL Version Detected",
-                    "Sorry, you must have OpenGL 1.1 or newer with GLU to run Orrenvale.");
-    return false;
-  }
-  splash_ = new SplashWindow;
-  // The splash is active at start-up; the menus' keys work there too.
-  for (QAction* item : commandItems()) {
-    splash_->addAction(item);
-  }
-  showViewPaletteFromMenu(nullptr);
-  showBodyPaletteFromMenu(nullptr);
-  showSimulationPaletteFromMenu(nullptr);
-  setPanType(menuViewXY);
-  newProgram();
-  splash_->show();
-  splash_->raise();
-  splash_->activateWindow();
-  return true;
-}
-
-bool Controller::eventLoopIsBlocked() {
-  return QApplication::activeModalWidget() != nullptr ||
-         QApplication::activePopupWidget() != nullptr;
-}
-
-void Controller::setWorldSpeed(float millisecondsPerUpdate) {
-  w->millisecondsPerUpdate = boundedWorldSpeed(millisecondsPerUpdate);
-  if (running_) {
-    setUpdateTimerWithSpeed(w->millisecondsPerUpdate);
-  }
-}
-
-void Controller::setUpdateTimerWithSpeed(float millisecondsPerUpdate) {
-  if (running_) {
-    discardUpdateTimer();
-    setUpdateTimerWithSpeed(millisecondsPerUpdate);
-    return;
-  }
-  // The interval is ms / 1000 s in single precision; Qt timers count whole
-  // milliseconds, so it is rounded to the nearest one. Anything below half a
-  // millisecond (0 included) fires as fast as the event loop allows.
-  const float seconds = millisecondsPerUpdate / 1000.0f;
-  const double ms = std::nearbyint(static_cast<double>(seconds) * 1000.0);
-  updateTimer_ = new QTimer(this);
-  updateTimer_->setObjectName("updateTimer");
-  updateTimer_->setTimerType(Qt::PreciseTimer);
-  updateTimer_->setInterval(ms > 0.0 && ms < 2147483647.0 ? static_cast<int>(ms) : 0);
-  connect(updateTimer_, &QTimer::timeout, this, &Controller::timerUpdate);
-  updateTimer_->start();
-  running_ = true;
-}
-
-void Controller::timerUpdate() {
-  if (eventLoopIsBlocked()) {
-    return;
-  }
-  stepSim(nullptr);
-}
-
-namespace {
 
 // A step that runs long (adaptive stepping refining towards its smallest
 // substep can take hours) shows its progress in a modal panel whose Cancel
@@ -197,6 +66,113 @@ class PanelStepWatch : public LongStepWatch {
 
 }  // namespace
 
+Controller::Controller(Panels* dialogs) : panels_(dialogs) {
+  setViewHost(this);
+  setBodyObserver(this);
+
+  // Every window carries its own menu bar, as the views' key commands and
+  // the palettes expect; a desktop's global menu is not used.
+  QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+
+  // init
+  w = new World;
+  menus_ = std::make_unique<AppMenus>(this);
+  connectMenus();
+  viewPalette_ = std::make_unique<ViewWindowController>();
+  bodyPalette_ = std::make_unique<BodyWindowController>();
+  simPalette_ = std::make_unique<SimulationWindowController>();
+  textPalette_ = std::make_unique<TextOutputController>();
+  placePalette(viewPalette_->window(), 4, 0);
+  placePalette(bodyPalette_->window(), 34, 25);
+  placePalette(simPalette_->window(), 64, 50);
+  windows_ = std::make_unique<ViewWindowRegistry>(ViewWindowRegistry::Hooks{
+      [this](QMenuBar* bar) { populateMenuBar(bar); },
+      [this](QWidget* window, const QString& title) { setWindowTitleAndMinSize(window, title); },
+      // What a view window's windowDidBecomeMain and windowWillClose send.
+      [this](bool main) {
+        viewPalette_->setCEnabled(main);
+        togglePrintEtcEnabled(main);
+        setBodyListEnabled(main);
+      },
+      [this](bool byUser) { checkWindowsLeft(byUser); }});
+  new TextFieldKeys(this);
+
+  // awakeFromNib
+  clock_ = std::make_unique<SimulationClock>([this] { timerUpdate(); },
+                                             [this] { getAccelerations(); }, this);
+  setUpViewMenu();
+}
+
+Controller::~Controller() {
+  // The bodies' destructors would report to the menus; they go silently.
+  setBodyObserver(nullptr);
+  clock_.reset();
+  windows_.reset();
+  delete splash_.data();
+  simPalette_.reset();
+  viewPalette_.reset();
+  bodyPalette_.reset();
+  textPalette_.reset();
+  delete w;
+  setViewHost(nullptr);
+  menus_.reset();
+}
+
+bool Controller::applicationDidFinishLaunching() {
+  if (!openGLIsUsable()) {
+    panels_->alert(nullptr, "Invalid OpenGL Version Detected",
+                   "Sorry, you must have OpenGL 1.1 or newer with GLU to run Orrenvale.");
+    return false;
+  }
+  splash_ = new SplashWindow;
+  // The splash is active at start-up; the menus' keys work there too.
+  for (QAction* item : menus_->commandItems()) {
+    splash_->addAction(item);
+  }
+  showViewPaletteFromMenu(nullptr);
+  showBodyPaletteFromMenu(nullptr);
+  showSimulationPaletteFromMenu(nullptr);
+  setPanType(menus_->menuViewXY);
+  newProgram();
+  splash_->show();
+  splash_->raise();
+  splash_->activateWindow();
+  return true;
+}
+
+bool Controller::running() const {
+  return clock_ != nullptr && clock_->running();
+}
+
+QTimer* Controller::updateTimer() const {
+  return clock_->updateTimer();
+}
+
+void Controller::showSimulationState() {
+  menus_->showSimulationState(running(), editing_);
+  simPalette_->setControlsState();
+}
+
+void Controller::setWorldSpeed(float millisecondsPerUpdate) {
+  w->millisecondsPerUpdate = boundedWorldSpeed(millisecondsPerUpdate);
+  if (running()) {
+    setUpdateTimerWithSpeed(w->millisecondsPerUpdate);
+  }
+}
+
+void Controller::setUpdateTimerWithSpeed(float millisecondsPerUpdate) {
+  if (running()) {
+    clock_->stop();
+    setUpdateTimerWithSpeed(millisecondsPerUpdate);
+    return;
+  }
+  clock_->start(millisecondsPerUpdate);
+}
+
+void Controller::timerUpdate() {
+  stepSim(nullptr);
+}
+
 void Controller::stepSim(QObject* /*sender*/) {
   PanelStepWatch watch;
   watch.beginStep();
@@ -214,33 +190,16 @@ void Controller::stepSim(QObject* /*sender*/) {
 
 void Controller::runSim() {
   setUpdateTimerWithSpeed(w->millisecondsPerUpdate);
-  menuSimStep->setEnabled(false);
-  menuSimRun->setChecked(true);
-  simPalette_->setControlsState();
-}
-
-void Controller::discardUpdateTimer() {
-  // Stopped at once, deleted once control is back in the event loop: this
-  // may run inside the timer's own timeout.
-  updateTimer_->stop();
-  updateTimer_->deleteLater();
-  updateTimer_ = nullptr;
-  running_ = false;
+  showSimulationState();
 }
 
 void Controller::stopSim() {
-  if (running_) {
-    discardUpdateTimer();
-  }
-  // Step stays disabled in design mode: a new body added while designing
-  // stops the clock but must not offer Step there.
-  menuSimStep->setEnabled(!editing_);
-  menuSimRun->setChecked(false);
-  simPalette_->setControlsState();
+  clock_->stop();
+  showSimulationState();
 }
 
 void Controller::toggleSim(QObject* /*sender*/) {
-  if (running_) {
+  if (running()) {
     stopSim();
   } else {
     runSim();
@@ -248,8 +207,91 @@ void Controller::toggleSim(QObject* /*sender*/) {
 }
 
 void Controller::getAccelerations() {
-  if (running_ || eventLoopIsBlocked()) {
-    return;
+  if (!running()) {
+    w->computeAccelerations();
   }
-  w->computeAccelerations();
+}
+
+bool Controller::simPaletteVisible() const {
+  return menus_->menuSimPalette->isChecked();
+}
+
+bool Controller::viewPaletteVisible() const {
+  return menus_->menuViewPalette->isChecked();
+}
+
+bool Controller::bodyPaletteVisible() const {
+  return menus_->menuBodyInfoPalette->isChecked();
+}
+
+bool Controller::textPaletteVisible() const {
+  return menus_->menuSimOutput->isChecked();
+}
+
+void Controller::togglePalette(QObject* sender, QObject* palette, QWidget* window, QAction* item,
+                               const std::function<void()>& becomeVisible,
+                               const std::function<void()>& becomeInvisible) {
+  if (item->isChecked()) {
+    if (becomeInvisible) {
+      becomeInvisible();
+    }
+    if (sender != palette) {
+      window->close();
+    }
+    item->setChecked(false);
+    // A palette passes itself when its close box closed it.
+    checkWindowsLeft(sender == palette);
+  } else {
+    if (becomeVisible) {
+      becomeVisible();
+    }
+    window->show();
+    item->setChecked(true);
+  }
+}
+
+void Controller::showSimulationPaletteFromMenu(QObject* sender) {
+  SimulationWindowController* p = simPalette_.get();
+  togglePalette(
+      sender, p, p->window(), menus_->menuSimPalette, [p] { p->becomeVisible(); },
+      [p] { p->becomeInvisible(); });
+}
+
+void Controller::showViewPaletteFromMenu(QObject* sender) {
+  ViewWindowController* p = viewPalette_.get();
+  togglePalette(
+      sender, p, p->window(), menus_->menuViewPalette, [p] { p->becomeVisible(); },
+      [p] { p->becomeInvisible(); });
+}
+
+void Controller::showBodyPaletteFromMenu(QObject* sender) {
+  BodyWindowController* p = bodyPalette_.get();
+  togglePalette(
+      sender, p, p->window(), menus_->menuBodyInfoPalette, [p] { p->becomeVisible(); },
+      [p] { p->becomeInvisible(); });
+}
+
+void Controller::showOutputPaletteFromMenu(QObject* sender) {
+  // The text log has no refresh timer: only its window is shown or hidden.
+  TextOutputController* p = textPalette_.get();
+  togglePalette(sender, p, p->window(), menus_->menuSimOutput, {}, {});
+}
+
+void Controller::checkWindowsLeft(bool closedByUser) {
+  QTimer::singleShot(0, this, [this, closedByUser] {
+    const bool anyLeft = !windows_->windows().empty() || simPaletteVisible() ||
+                         viewPaletteVisible() || bodyPaletteVisible() || textPaletteVisible();
+    if (anyLeft) {
+      return;
+    }
+    if (closedByUser) {
+      QApplication::quit();
+    } else {
+      showSimulationPaletteFromMenu(nullptr);
+    }
+  });
+}
+
+SplashWindow* Controller::splashWindow() const {
+  return splash_.data();
 }

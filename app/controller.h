@@ -1,49 +1,51 @@
 #pragma once
 
 #include <QObject>
-#include <QPoint>
 #include <QPointer>
 #include <QString>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "document/plist_value.h"
 #include "engine/body.h"
 #include "palettes/palette_host.h"
-#include "view/view_host.h"
 
+class AppMenus;
 class BodyWindowController;
 class OrrenvaleGL;
 class OrrenvaleGLWindowController;
+class Panels;
 class QAction;
-class QMenu;
 class QTimer;
+class SimulationClock;
 class SimulationWindowController;
 class SplashWindow;
 class TextOutputController;
 class ViewWindowController;
+class ViewWindowRegistry;
 class World;
 
-// The application's one central object. It owns the world, the design state,
-// the palettes, the simulation clock and the menus, and keeps the Body menu
-// in step with the engine. Views, palettes and the engine reach it only
-// through the host interfaces it installs (and Controller::instance()).
-class Controller : public QObject, public ViewHost, public PaletteHost, public BodyObserver {
+// The application's one central object: the host that views, palettes and
+// the engine reach (through setViewHost and the body observer), and a thin
+// front over the parts that do the work: the simulation clock, the registry
+// of view windows and the menus. It owns the world, the design state and
+// the palettes. Its operations are spread over files by subject:
+// controller.cpp (life cycle, clock, palettes), design_mode.cpp,
+// document_commands.cpp and view_commands.cpp (view windows, bodies, menus).
+class Controller : public QObject, public PaletteHost, public BodyObserver {
   Q_OBJECT
 
  public:
-  // Creates the world, the design state and the palettes, starts the
-  // acceleration timer and sets up the menus.
-  Controller();
+  // Creates the world, the design state, the palettes, the menus and the
+  // clock (whose acceleration timer starts at once). dialogs: the panels
+  // the program's dialogs go through.
+  explicit Controller(Panels* dialogs);
   ~Controller() override;
   Controller(const Controller&) = delete;
   Controller& operator=(const Controller&) = delete;
-
-  static Controller* instance();
 
   // Checks OpenGL, builds the splash window, shows the palettes, selects the
   // XY pan plane and starts a new program. False when the program must quit.
@@ -51,24 +53,25 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
 
   // Accessors (ViewHost and PaletteHost).
   World& world() override { return *w; }
-  bool running() const override { return running_; }
+  bool running() const override;
   bool editing() const override { return editing_; }
   int panType() const override { return panType_; }
+  Panels* panels() override { return panels_; }
   SimulationWindowController* simulationPaletteController() const { return simPalette_.get(); }
   ViewWindowController* viewPaletteController() const { return viewPalette_.get(); }
   BodyWindowController* bodyPaletteController() const { return bodyPalette_.get(); }
   TextOutputController* textPaletteController() const { return textPalette_.get(); }
   const PlistDict& editState() const { return editState_; }
-  bool simPaletteVisible() const { return simPaletteVisible_; }
-  bool viewPaletteVisible() const { return viewPaletteVisible_; }
-  bool bodyPaletteVisible() const { return bodyPaletteVisible_; }
-  bool textPaletteVisible() const { return textPaletteVisible_; }
-  QTimer* updateTimer() const { return updateTimer_; }
+  // A palette is shown exactly while its menu item is checked.
+  bool simPaletteVisible() const;
+  bool viewPaletteVisible() const;
+  bool bodyPaletteVisible() const;
+  bool textPaletteVisible() const;
+  QTimer* updateTimer() const;
   SplashWindow* splashWindow() const;
-
+  AppMenus& menus() const { return *menus_; }
   // The menu item with the given name (menuSimRun, menuBody, ...), or null.
   QAction* menuItem(const QString& name) const;
-  // The Body menu's body items, after the spacer.
   std::vector<QAction*> bodyMenuItems() const;
 
   // Simulation clock.
@@ -107,10 +110,6 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   // View windows and menus.
   void newView(QObject* sender);
   OrrenvaleGLWindowController* newWindow();
-  // Opens a view window as newWindow does, with its own area (inside the
-  // frame) at the given screen position or, without one, in the cascade of
-  // new windows.
-  OrrenvaleGLWindowController* openViewWindow(std::optional<QPoint> position);
   void setWindowTitleAndMinSize(QWidget* window, const QString& title) override;
   void closeAllWindows();
   void setUpViewMenu();
@@ -126,9 +125,6 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   // Closes the active window as its close box would: a view window closes,
   // a palette is hidden through its toggle.
   void closeActiveWindow(QObject* sender);
-  // Every command item of the menus (not the body items), for windows that
-  // take the menus' keys without showing a menu bar.
-  std::vector<QAction*> commandItems() const;
 
   // Body menu callbacks.
   void worldCreateBody(Body& body) override;
@@ -142,107 +138,46 @@ class Controller : public QObject, public ViewHost, public PaletteHost, public B
   void showOutputPaletteFromMenu(QObject* sender) override;
 
   // The main view window: the view window activated last, or null.
-  OrrenvaleGLWindowController* mainWindowController() const { return mainWindow_; }
+  OrrenvaleGLWindowController* mainWindowController() const;
   View* currentView() override;
   QWidget* currentViewWindow() override;
   OrrenvaleGL* currentGLView() const;
   // Open view windows, oldest first.
-  const std::vector<OrrenvaleGLWindowController*>& viewWindows() const { return viewWindows_; }
+  const std::vector<OrrenvaleGLWindowController*>& viewWindows() const;
+  ViewWindowRegistry& viewWindowRegistry() const { return *windows_; }
   void populateMenuBar(QMenuBar* bar) override;
 
-  // Called by the view windows' controllers.
-  void viewWindowDidBecomeMain(OrrenvaleGLWindowController* window);
-  // byUser: closed by its close box rather than by the program.
-  void viewWindowWillClose(OrrenvaleGLWindowController* window, bool byUser);
-
  private:
-  void buildMenus();
-  QAction* addItem(QMenu* menu, const char* name, const QString& title);
-  void discardUpdateTimer();
+  // Connects every command item of the menus to its operation.
+  void connectMenus();
+  // The menus' simulation items as the clock and design mode require.
+  void showSimulationState();
   // Once control is back in the event loop: when no view window and no
   // palette is left on screen, quit if the user closed the last window,
   // otherwise show the Simulation palette so the menus stay reachable.
   void checkWindowsLeft(bool closedByUser);
-  void deleteClosedWindows();
   // Loads editState into the world, reopening the design's view windows
   // where they were when they closed.
   void loadDesignState();
-  // Notes which open windows the design state's views are, in order.
-  void rememberDesignWindows();
-  // True while a modal dialog or a menu is open: timers then do nothing.
-  static bool eventLoopIsBlocked();
-  // Hides a shown palette or shows a hidden one, keeping its flag and
-  // check mark in step; the visibility calls are empty for the text log.
-  void togglePalette(QObject* sender, QObject* palette, QWidget* window, bool& flag, QAction* item,
+  // Hides a shown palette or shows a hidden one; its menu item's check mark
+  // is its visibility. The visibility calls are empty for the text log.
+  void togglePalette(QObject* sender, QObject* palette, QWidget* window, QAction* item,
                      const std::function<void()>& becomeVisible,
                      const std::function<void()>& becomeInvisible);
 
   World* w = nullptr;
-  bool simPaletteVisible_ = false;
-  bool viewPaletteVisible_ = false;
-  bool bodyPaletteVisible_ = false;
-  bool textPaletteVisible_ = false;
-  bool running_ = false;
+  Panels* panels_;
   bool editing_ = false;
   PlistDict editState_;
-  QTimer* accelerationTimer_ = nullptr;
   int panType_ = kPanTypeXY;
+  bool loadingDesign_ = false;
 
-  // Parent of the menus, which every window's menu bar shows; never shown.
-  QWidget* menuOwner_ = nullptr;
-  std::vector<QMenu*> menus_;
-  QMenu* bodyMenu_ = nullptr;
-  QAction* menuBodyCreateBody = nullptr;
-  QAction* menuBodyDeleteBody = nullptr;
-  QAction* menuBodyInfoPalette = nullptr;
-  QAction* menuSimPalette = nullptr;
-  QAction* menuSimRun = nullptr;
-  QAction* menuSimStep = nullptr;
-  QAction* menuViewNewView = nullptr;
-  QAction* menuViewPalette = nullptr;
-  QAction* menuBodyDeleteAllBodies = nullptr;
-  QAction* menuSimEditCurrent = nullptr;
-  QAction* menuSimEdit = nullptr;
-  QAction* menuSimRevert = nullptr;
-  QAction* menuSimReset = nullptr;
-  QAction* menuSimOutput = nullptr;
-  QAction* menuViewXY = nullptr;
-  QAction* menuViewXZ = nullptr;
-  QAction* menuViewYZ = nullptr;
-  QAction* menuFilePrint = nullptr;
-  QAction* menuViewTIFF = nullptr;
-  QAction* menuDeleteThis = nullptr;
-  QAction* menuPanDown = nullptr;
-  QAction* menuPanLeft = nullptr;
-  QAction* menuPanRight = nullptr;
-  QAction* menuPanUp = nullptr;
-  QAction* menuSelectNext = nullptr;
-  QAction* menuSelectPrev = nullptr;
-  QAction* menuZin = nullptr;
-  QAction* menuZout = nullptr;
-  QAction* menuBodySpacer = nullptr;
-  QAction* menuBody = nullptr;
-
+  std::unique_ptr<AppMenus> menus_;
   std::unique_ptr<SimulationWindowController> simPalette_;
   std::unique_ptr<ViewWindowController> viewPalette_;
   std::unique_ptr<BodyWindowController> bodyPalette_;
   std::unique_ptr<TextOutputController> textPalette_;
-  // Exists only while running.
-  QTimer* updateTimer_ = nullptr;
-
-  std::vector<OrrenvaleGLWindowController*> viewWindows_;
-  // Closed view windows, deleted once their close event has been handled.
-  std::vector<OrrenvaleGLWindowController*> closedWindows_;
-  // Open view windows, the one activated last at the back.
-  std::vector<OrrenvaleGLWindowController*> activationOrder_;
-  OrrenvaleGLWindowController* mainWindow_ = nullptr;
-  // Every view window gets a serial number; the design state's views are the
-  // windows designWindows_ names, in order, and closedAt_ keeps where each
-  // window was when it closed, so a design-mode round trip, Revert or a save
-  // of the design state reopens the windows where they were.
-  int nextWindowSerial_ = 0;
-  std::vector<int> designWindows_;
-  std::unordered_map<int, QPoint> closedAt_;
-  bool loadingDesign_ = false;
+  std::unique_ptr<SimulationClock> clock_;
+  std::unique_ptr<ViewWindowRegistry> windows_;
   QPointer<SplashWindow> splash_;
 };

@@ -1,39 +1,29 @@
 // Design mode: the world as designed is kept in editState, apart from the
 // world as simulated, so a run can be reverted to its design.
-#include <QAction>
-
 #include "controller.h"
 #include "engine/world.h"
-#include "orrenvale_gl_window_controller.h"
 #include "palettes/panels.h"
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
+#include "view_window_registry.h"
 
 void Controller::edit(QObject* /*sender*/) {
   stopSim();
   if (editing_) {
     saveCurrentStateToDict(editState_, true, true, true);
-    menuSimEdit->setChecked(false);
-    menuSimRun->setEnabled(true);
-    menuSimStep->setEnabled(true);
-    menuSimEditCurrent->setEnabled(true);
-    menuSimRevert->setEnabled(true);
     editing_ = false;
   } else {
     loadDesignState();
-    menuSimEdit->setChecked(true);
-    menuSimRun->setEnabled(false);
-    menuSimStep->setEnabled(false);
-    menuSimEditCurrent->setEnabled(false);
-    menuSimRevert->setEnabled(false);
     editing_ = true;
   }
-  simulationPaletteController()->setControlsState();
+  // Design Mode checked, Run, Step, Edit Current and Revert disabled in
+  // design mode; the other way round outside it.
+  showSimulationState();
 }
 
 void Controller::editCurrent(QObject* /*sender*/) {
   editing_ = false;
-  simulationPaletteController()->setControlsState();
+  simPalette_->setControlsState();
   saveCurrentStateToDict(editState_, true, true, true);
   edit(nullptr);
 }
@@ -41,7 +31,7 @@ void Controller::editCurrent(QObject* /*sender*/) {
 void Controller::revertSim(QObject* /*sender*/) {
   stopSim();
   loadDesignState();
-  simulationPaletteController()->setControlsState();
+  simPalette_->setControlsState();
 }
 
 void Controller::loadDesignState() {
@@ -52,21 +42,7 @@ void Controller::loadDesignState() {
   loadToCurrentStateFromDict(&design, true, true, true);
   loadingDesign_ = false;
   // The design's views are now these windows, in the same order.
-  rememberDesignWindows();
-}
-
-void Controller::rememberDesignWindows() {
-  designWindows_.clear();
-  std::unordered_map<int, QPoint> kept;
-  for (OrrenvaleGLWindowController* window : viewWindows_) {
-    designWindows_.push_back(window->serial());
-  }
-  for (int serial : designWindows_) {
-    if (auto at = closedAt_.find(serial); at != closedAt_.end()) {
-      kept.insert(*at);
-    }
-  }
-  closedAt_ = std::move(kept);
+  windows_->rememberDesignWindows();
 }
 
 void Controller::resetSim() {
@@ -74,8 +50,8 @@ void Controller::resetSim() {
   w->reset();
   editing_ = false;
   stopSim();
-  textPaletteController()->clickClear(nullptr);
-  textPaletteController()->clickEnd(nullptr);
+  textPalette_->clickClear(nullptr);
+  textPalette_->clickEnd(nullptr);
 }
 
 void Controller::resetSim(QObject* /*sender*/) {
@@ -92,7 +68,7 @@ void Controller::newProgram() {
 }
 
 void Controller::menuNew(QObject* /*sender*/) {
-  const Panels::Answer answer = panels()->confirmSaveFirst(nullptr);
+  const Panels::Answer answer = panels_->confirmSaveFirst(nullptr);
   if (answer == Panels::Answer::Cancel) {
     return;
   }

@@ -16,6 +16,7 @@
 #include "view/orrenvale_gl.h"
 #include "view/view.h"
 #include "view_state.h"
+#include "view_window_registry.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ void Controller::saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool ge
     // View windows are written oldest first, numbered from 0.
     PlistDict section;
     int counter = 0;
-    for (OrrenvaleGLWindowController* window : viewWindows_) {
+    for (OrrenvaleGLWindowController* window : viewWindows()) {
       section.insert(QString::number(counter),
                      PlistValue(writeViewDict(*window->CGLview()->view())));
       ++counter;
@@ -48,7 +49,7 @@ void Controller::saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool ge
   dict =
       saveWorldToDict(*w, DocumentSections{getBodies, getViews, getSim}, views ? &*views : nullptr);
   if (&dict == &editState_) {
-    rememberDesignWindows();
+    windows_->rememberDesignWindows();
   }
 }
 
@@ -62,18 +63,8 @@ void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodie
     if (section == nullptr) {
       return;
     }
-    std::size_t ordinal = 0;
     for (const PlistEntry& entry : section->entries()) {
-      // A view of the design state reopens where its window was when it
-      // closed; a view from a file opens in the cascade.
-      std::optional<QPoint> position;
-      if (loadingDesign_ && ordinal < designWindows_.size()) {
-        if (auto at = closedAt_.find(designWindows_[ordinal]); at != closedAt_.end()) {
-          position = at->second;
-        }
-      }
-      ++ordinal;
-      OrrenvaleGLWindowController* window = openViewWindow(position);
+      OrrenvaleGLWindowController* window = newWindow();
       View* v = window->CGLview()->view();
       v->number = saturateToInt32(leadingInteger(entry.key).value_or(0));
       ViewDictExtras extras;
@@ -93,14 +84,14 @@ void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodie
 }
 
 void Controller::openDocumentFromMenu(QObject* /*sender*/) {
-  const Panels::Answer answer = panels()->confirmSaveFirst(nullptr);
+  const Panels::Answer answer = panels_->confirmSaveFirst(nullptr);
   if (answer == Panels::Answer::Cancel) {
     return;
   }
   if (answer == Panels::Answer::Save) {
     saveDocumentFromMenu(nullptr);
   }
-  const std::optional<Panels::OpenChoice> choice = panels()->runOpenPanel(nullptr);
+  const std::optional<Panels::OpenChoice> choice = panels_->runOpenPanel(nullptr);
   if (!choice) {
     return;
   }
@@ -113,7 +104,7 @@ void Controller::openDocumentFromMenu(QObject* /*sender*/) {
 }
 
 void Controller::saveDocumentFromMenu(QObject* /*sender*/) {
-  const std::optional<Panels::SaveChoice> choice = panels()->runSavePanel(nullptr);
+  const std::optional<Panels::SaveChoice> choice = panels_->runSavePanel(nullptr);
   if (!choice) {
     return;
   }
@@ -147,7 +138,7 @@ void Controller::exportTIFF(QObject* /*sender*/) {
     return;
   }
   const std::optional<QString> path =
-      panels()->runSaveFilePanel(nullptr, "Export View to TIFF", "tiff");
+      panels_->runSaveFilePanel(nullptr, "Export View to TIFF", "tiff");
   if (!path) {
     return;
   }
@@ -169,5 +160,5 @@ void Controller::printScreen(QObject* /*sender*/) {
   if (view == nullptr) {
     return;
   }
-  panels()->printImage(view->window(), view->captureView());
+  panels_->printImage(view->window(), view->captureView());
 }

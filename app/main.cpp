@@ -36,8 +36,7 @@ int main(int argc, char* argv[]) {
   parser.process(app);
 
   QtPanels qtPanels;
-  setPanels(&qtPanels);
-  Controller controller;
+  Controller controller(&qtPanels);
   if (!controller.applicationDidFinishLaunching()) {
     return 1;
   }
@@ -63,7 +62,5 @@ int main(int argc, char* argv[]) {
       QApplication::quit();
     });
   }
-  const int status = QApplication::exec();
-  setPanels(nullptr);
-  return status;
+  return QApplication::exec();
 }

@@ -4,17 +4,18 @@
 #include <QMainWindow>
 #include <QMenuBar>
 
-#include "controller.h"
-#include "palettes/view_window_controller.h"
 #include "view/orrenvale_gl.h"
+#include "view_window_registry.h"
 #include "window_size.h"
 
-OrrenvaleGLWindowController::OrrenvaleGLWindowController(int serial)
-    : serial_(serial), window_(new QMainWindow), view_(new OrrenvaleGL(window_)) {
+OrrenvaleGLWindowController::OrrenvaleGLWindowController(int serial, ViewWindowRegistry& registry)
+    : serial_(serial),
+      registry_(registry),
+      window_(new QMainWindow),
+      view_(new OrrenvaleGL(window_)) {
   window_->setObjectName("GLWindow");
   window_->setAttribute(Qt::WA_DeleteOnClose, false);
   window_->setCentralWidget(view_);
-  Controller::instance()->populateMenuBar(window_->menuBar());
   window_->installEventFilter(this);
   // A click anywhere in the window (its view or its menu bar) announces it
   // as main again, even when it is already the active window.
@@ -22,13 +23,13 @@ OrrenvaleGLWindowController::OrrenvaleGLWindowController(int serial)
   window_->menuBar()->installEventFilter(this);
 }
 
+OrrenvaleGLWindowController::~OrrenvaleGLWindowController() {
+  delete window_;
+}
+
 void OrrenvaleGLWindowController::closeAsUser() {
   closingAsUser_ = true;
   window_->close();
-}
-
-OrrenvaleGLWindowController::~OrrenvaleGLWindowController() {
-  delete window_;
 }
 
 void OrrenvaleGLWindowController::setContentSize(int width, int height) {
@@ -43,32 +44,26 @@ void OrrenvaleGLWindowController::setContentSize(int width, int height) {
 }
 
 void OrrenvaleGLWindowController::windowDidBecomeMain() {
-  Controller* c = Controller::instance();
-  c->viewPaletteController()->setCEnabled(true);
-  c->togglePrintEtcEnabled(true);
-  c->setBodyListEnabled(true);
+  registry_.announce(true);
 }
 
 void OrrenvaleGLWindowController::windowWillClose() {
-  Controller* c = Controller::instance();
-  c->viewPaletteController()->setCEnabled(false);
-  c->togglePrintEtcEnabled(false);
-  c->setBodyListEnabled(false);
+  registry_.announce(false);
 }
 
 bool OrrenvaleGLWindowController::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::MouseButtonPress && !closed_) {
-    Controller::instance()->viewWindowDidBecomeMain(this);
+    registry_.windowActivated(this);
   }
   if (watched == window_) {
     if (event->type() == QEvent::WindowActivate && !closed_) {
-      Controller::instance()->viewWindowDidBecomeMain(this);
+      registry_.windowActivated(this);
     } else if (event->type() == QEvent::Close && !closed_) {
       closed_ = true;
       window_->hide();
-      // The controller deletes this object, and the window with it, once the
+      // The registry deletes this object, and the window with it, once the
       // close has been handled.
-      Controller::instance()->viewWindowWillClose(this, event->spontaneous() || closingAsUser_);
+      registry_.windowClosing(this, event->spontaneous() || closingAsUser_);
     }
   }
   return QObject::eventFilter(watched, event);

@@ -4,26 +4,30 @@
 
 class OrrenvaleGL;
 class QMainWindow;
+class ViewWindowRegistry;
 
 // Controller of one view window: the window, its menu bar and the OrrenvaleGL
-// view that fills it. It tells the application controller when its window
-// becomes main and when it closes; the application controller then deletes
-// it, with the window.
+// view that fills it. It tells the registry of view windows when its window
+// is activated and when it closes; the registry then deletes it, with the
+// window.
 class OrrenvaleGLWindowController : public QObject {
   Q_OBJECT
 
  public:
   // serial: a number that identifies the window for the program's session.
-  explicit OrrenvaleGLWindowController(int serial);
+  OrrenvaleGLWindowController(int serial, ViewWindowRegistry& registry);
   ~OrrenvaleGLWindowController() override;
 
   OrrenvaleGL* CGLview() const { return view_; }
   QMainWindow* window() const { return window_; }
   int serial() const { return serial_; }
 
-  // Sets the window so that the drawing area is width x height pixels.
+  // Sets the window so that the drawing area is width x height pixels,
+  // within the screen.
   void setContentSize(int width, int height);
 
+  // The window became main, or is closing: the registry passes it on to
+  // what needs a main view window.
   void windowDidBecomeMain();
   void windowWillClose();
   // Closes the window as its close box does.
@@ -34,6 +38,7 @@ class OrrenvaleGLWindowController : public QObject {
 
  private:
   int serial_;
+  ViewWindowRegistry& registry_;
   QMainWindow* window_;
   OrrenvaleGL* view_;
   bool closed_ = false;

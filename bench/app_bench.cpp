@@ -53,8 +53,7 @@ void BM_RunningApplication(benchmark::State& state) {
   const int windows = static_cast<int>(state.range(2));
   const bool logging = state.range(3) != 0;
   QtPanels panels;
-  setPanels(&panels);
-  auto controller = std::make_unique<Controller>();
+  auto controller = std::make_unique<Controller>(&panels);
   controller->applicationDidFinishLaunching();
   for (int i = 1; i < windows; ++i)
     controller->newView(nullptr);
@@ -95,7 +94,6 @@ void BM_RunningApplication(benchmark::State& state) {
     state.counters["longest event-loop gap ms"] = static_cast<double>(worstGapMs);
   }
   controller.reset();
-  setPanels(nullptr);
 }
 BENCHMARK(BM_RunningApplication)
     ->ArgNames({"bodies", "ms", "windows", "log"})
@@ -113,8 +111,7 @@ BENCHMARK(BM_RunningApplication)
 void BM_TextLogMemory(benchmark::State& state) {
   const int steps = static_cast<int>(state.range(0));
   QtPanels panels;
-  setPanels(&panels);
-  auto controller = std::make_unique<Controller>();
+  auto controller = std::make_unique<Controller>(&panels);
   controller->applicationDidFinishLaunching();
   addSpiral(controller->world(), 10);
   controller->edit(nullptr);
@@ -132,7 +129,6 @@ void BM_TextLogMemory(benchmark::State& state) {
   state.counters["lines"] = static_cast<double>(log->lineCount());
   state.counters["peak MB"] = peakMegabytes();
   controller.reset();
-  setPanels(nullptr);
 }
 BENCHMARK(BM_TextLogMemory)->Arg(1000000)->Iterations(1)->Unit(benchmark::kSecond);
 

@@ -14,6 +14,7 @@
 #include "palettes/color_well.h"
 #include "palettes/number_text.h"
 #include "palettes/palette_window.h"
+#include "view/timer_pause.h"
 
 namespace {
 
@@ -68,9 +69,7 @@ void PaletteController::becomeInvisible() {
 }
 
 void PaletteController::updateControls() {
-  // Timers of the application pause while a dialog or a menu is up.
-  if (QApplication::activeModalWidget() != nullptr ||
-      QApplication::activePopupWidget() != nullptr) {
+  if (timersArePaused()) {
     return;
   }
   getValues();

@@ -2,7 +2,10 @@
 
 #include <string_view>
 
+#include "view/view_host.h"
+
 class Body;
+class Panels;
 class QMenuBar;
 class QObject;
 class QString;
@@ -10,16 +13,15 @@ class QWidget;
 class View;
 class World;
 
-// What the palettes need from the application controller. The controller
-// implements it; palettes reach it only through paletteHost(), so nothing
+// What the palettes need from the application controller, beyond what the
+// views need. The controller implements both; it is the one host installed
+// with setViewHost, and palettes reach it through paletteHost(), so nothing
 // else keeps a pointer to the controller.
-class PaletteHost {
+class PaletteHost : public ViewHost {
  public:
-  virtual ~PaletteHost() = default;
-
-  virtual World& world() = 0;
-  virtual bool running() const = 0;
   virtual bool editing() const = 0;
+  // The dialogs of the program (tests answer them from a script).
+  virtual Panels* panels() = 0;
 
   // The View record of the main view window, or null when none is main.
   virtual View* currentView() = 0;
@@ -49,6 +51,6 @@ class PaletteHost {
   virtual void populateMenuBar(QMenuBar* bar) = 0;
 };
 
-// Process-wide; null until the application (or a test) installs its host.
-void setPaletteHost(PaletteHost* host);
+// The installed view host when it is a palette host (the application's
+// controller), otherwise null.
 PaletteHost* paletteHost();

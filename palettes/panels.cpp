@@ -1,10 +1,8 @@
 #include "palettes/panels.h"
 
-#include <QColorDialog>
+#include "palettes/palette_host.h"
 
-namespace {
-Panels* gPanels = nullptr;
-}  // namespace
+#include <QColorDialog>
 
 std::optional<QColor> Panels::chooseColor(QWidget* parent, const QColor& initial) {
   QColorDialog dialog(initial, parent);
@@ -20,10 +18,7 @@ void prepareModalDialog(QDialog& dialog) {
   dialog.setWindowFlag(Qt::WindowStaysOnTopHint, true);
 }
 
-void setPanels(Panels* panels) {
-  gPanels = panels;
-}
-
 Panels* panels() {
-  return gPanels;
+  PaletteHost* host = paletteHost();
+  return host != nullptr ? host->panels() : nullptr;
 }

@@ -75,6 +75,6 @@ class Panels {
 // frozen. Every dialog the program runs goes through this.
 void prepareModalDialog(QDialog& dialog);
 
-// Process-wide; the application installs its Qt panels, tests their own.
-void setPanels(Panels* panels);
+// The host's panels (the application's Qt panels, or a test's), or null
+// without a host.
 Panels* panels();

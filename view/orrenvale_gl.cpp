@@ -10,6 +10,7 @@
 
 #include "camera.h"
 #include "engine/world.h"
+#include "timer_pause.h"
 #include "view_host.h"
 
 namespace {
@@ -62,10 +63,7 @@ void OrrenvaleGL::paintGL() {
 void OrrenvaleGL::resizeGL(int /*w*/, int /*h*/) {}
 
 void OrrenvaleGL::redrawWindow() {
-  // Like the other timers of the program, the redraw pauses while a modal
-  // dialog or a menu is open.
-  if (QApplication::activeModalWidget() != nullptr ||
-      QApplication::activePopupWidget() != nullptr) {
+  if (timersArePaused()) {
     return;
   }
   // Qt draws the frame at its next pass through the event loop, within the

@@ -11,6 +11,7 @@
 
 #include "app/controller.h"
 #include "app/orrenvale_gl_window_controller.h"
+#include "app/view_window_registry.h"
 #include "engine/world.h"
 #include "palettes/body_window_controller.h"
 #include "palettes/panels.h"
@@ -83,15 +84,13 @@ class ScriptedPanels : public Panels {
 class AppTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    setPanels(&panels);
-    controller = std::make_unique<Controller>();
+    controller = std::make_unique<Controller>(&panels);
     ASSERT_TRUE(controller->applicationDidFinishLaunching());
     flush();
   }
   void TearDown() override {
     controller.reset();
     flush();
-    setPanels(nullptr);
   }
 
   // Lets deferred deletions and queued events run.

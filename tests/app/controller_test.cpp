@@ -203,7 +203,7 @@ TEST_F(AppTest, ViewItemsFollowTheMainWindow) {
   flush();
   EXPECT_FALSE(item("menuZin")->isEnabled());
   EXPECT_FALSE(item("menuFilePrint")->isEnabled());
-  controller->viewWindowDidBecomeMain(controller->viewWindows()[0]);
+  controller->viewWindowRegistry().windowActivated(controller->viewWindows()[0]);
   EXPECT_TRUE(item("menuZin")->isEnabled());
   // Closing the main window hands main to the window activated before it.
   controller->mainWindowController()->window()->close();

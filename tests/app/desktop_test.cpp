@@ -122,16 +122,12 @@ void whenModalDialogShows(const std::function<void(QWidget*)>& check,
 class Desktop : public ::testing::Test {
  protected:
   void SetUp() override {
-    setPanels(&panels);
-    controller = std::make_unique<Controller>();
+    controller = std::make_unique<Controller>(&panels);
     ASSERT_TRUE(controller->applicationDidFinishLaunching());
     ASSERT_TRUE(QTest::qWaitForWindowExposed(controller->splashWindow()));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(currentWindow()));
   }
-  void TearDown() override {
-    controller.reset();
-    setPanels(nullptr);
-  }
+  void TearDown() override { controller.reset(); }
 
   QAction* item(const char* name) const { return controller->menuItem(name); }
   QWidget* currentWindow() const { return controller->mainWindowController()->window(); }

@@ -58,7 +58,7 @@ class BodyPalette : public testing::Test {
   }
 
   TestHost host;
-  ScriptedPanels dialogs;
+  ScriptedPanels& dialogs = host.dialogs;
   View view{0};
   QWidget viewWindow;
   BodyWindowController palette;

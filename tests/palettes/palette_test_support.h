@@ -25,20 +25,49 @@
 
 class PaletteController;
 
+// Answers the dialogs from a script the test fills in.
+class ScriptedPanels : public Panels {
+ public:
+  ScriptedPanels() = default;
+  ScriptedPanels(const ScriptedPanels&) = delete;
+  ScriptedPanels& operator=(const ScriptedPanels&) = delete;
+
+  Answer confirmSaveFirst(QWidget*) override { return Answer::Cancel; }
+  std::optional<OpenChoice> runOpenPanel(QWidget*) override { return std::nullopt; }
+  std::optional<SaveChoice> runSavePanel(QWidget*) override { return std::nullopt; }
+  std::optional<QString> runSaveFilePanel(QWidget*, const QString& title,
+                                          const QString& requiredSuffix) override {
+    saveTitles.push_back(title);
+    saveSuffixes.push_back(requiredSuffix);
+    return savePath;
+  }
+  bool printImage(QWidget*, const QImage&) override { return false; }
+  void alert(QWidget*, const QString&, const QString&) override {}
+  std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
+  std::unique_ptr<Progress> openProgress(QWidget*, const QString&) override { return nullptr; }
+
+  std::optional<QString> savePath;
+  std::optional<QColor> color;
+  std::vector<QString> saveTitles;
+  std::vector<QString> saveSuffixes;
+};
+
 // Stands in for the application controller: a real world, a view record
 // the test supplies, flags the test sets, and a count of every command the
 // palettes send. The palette toggles follow the controller's protocol: hide
 // stops the timer and closes the window unless the palette itself is closing.
 class TestHost : public PaletteHost {
  public:
-  TestHost() { setPaletteHost(this); }
-  ~TestHost() override { setPaletteHost(nullptr); }
+  TestHost() { setViewHost(this); }
+  ~TestHost() override { setViewHost(nullptr); }
   TestHost(const TestHost&) = delete;
   TestHost& operator=(const TestHost&) = delete;
 
   World& world() override { return w; }
+  int panType() const override { return kPanTypeXY; }
   bool running() const override { return isRunning; }
   bool editing() const override { return isEditing; }
+  Panels* panels() override { return &dialogs; }
   View* currentView() override { return view; }
   QWidget* currentViewWindow() override { return view != nullptr ? viewWindow : nullptr; }
   void setWindowTitleAndMinSize(QWidget* window, const QString& title) override {
@@ -85,6 +114,7 @@ class TestHost : public PaletteHost {
   std::function<void(QObject* sender)> onToggle;
 
   World w;
+  ScriptedPanels dialogs;
   bool isRunning = false;
   bool isEditing = false;
   View* view = nullptr;
@@ -120,34 +150,6 @@ void togglePalette(Palette& palette, bool& shown, QObject* sender) {
     shown = true;
   }
 }
-
-// Answers the dialogs from a script the test fills in.
-class ScriptedPanels : public Panels {
- public:
-  ScriptedPanels() { setPanels(this); }
-  ~ScriptedPanels() override { setPanels(nullptr); }
-  ScriptedPanels(const ScriptedPanels&) = delete;
-  ScriptedPanels& operator=(const ScriptedPanels&) = delete;
-
-  Answer confirmSaveFirst(QWidget*) override { return Answer::Cancel; }
-  std::optional<OpenChoice> runOpenPanel(QWidget*) override { return std::nullopt; }
-  std::optional<SaveChoice> runSavePanel(QWidget*) override { return std::nullopt; }
-  std::optional<QString> runSaveFilePanel(QWidget*, const QString& title,
-                                          const QString& requiredSuffix) override {
-    saveTitles.push_back(title);
-    saveSuffixes.push_back(requiredSuffix);
-    return savePath;
-  }
-  bool printImage(QWidget*, const QImage&) override { return false; }
-  void alert(QWidget*, const QString&, const QString&) override {}
-  std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
-  std::unique_ptr<Progress> openProgress(QWidget*, const QString&) override { return nullptr; }
-
-  std::optional<QString> savePath;
-  std::optional<QColor> color;
-  std::vector<QString> saveTitles;
-  std::vector<QString> saveSuffixes;
-};
 
 // gtest prints QStrings as text.
 inline void PrintTo(const QString& s, std::ostream* os) {

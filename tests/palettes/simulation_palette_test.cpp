@@ -28,7 +28,7 @@ class SimulationPalette : public testing::Test {
   QLineEdit* f(const char* name) { return field(win, name); }
 
   TestHost host;
-  ScriptedPanels dialogs;
+  ScriptedPanels& dialogs = host.dialogs;
   SimulationWindowController palette;
   QWidget* win = palette.window();
   bool visible = false;

@@ -33,7 +33,7 @@ class TextOutput : public testing::Test {
   long lines() const { return static_cast<long>(palette.lineCount()); }
 
   TestHost host;
-  ScriptedPanels dialogs;
+  ScriptedPanels& dialogs = host.dialogs;
   TextOutputController palette;
   bool visible = false;
 };

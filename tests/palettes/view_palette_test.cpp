@@ -29,7 +29,7 @@ class ViewPalette : public testing::Test {
   QLineEdit* f(const char* name) { return field(win, name); }
 
   TestHost host;
-  ScriptedPanels dialogs;
+  ScriptedPanels& dialogs = host.dialogs;
   View view{0};
   QWidget viewWindow;
   ViewWindowController palette;

@@ -1,0 +1,8 @@
+#include "timer_pause.h"
+
+#include <QApplication>
+
+bool timersArePaused() {
+  return QApplication::activeModalWidget() != nullptr ||
+         QApplication::activePopupWidget() != nullptr;
+}
