@@ -4,10 +4,12 @@
 
 #include "distributed_passes.h"
 #include "fast_pass.h"
+#include "pair_force.h"
+#include "tolerance.h"
 #include "world.h"
 
 namespace {
-constexpr double kEnergyTolerance = 1e-12;
+constexpr double kEnergyTolerance = kEngineTolerance;
 constexpr double kMinimumSubstep = 1e-8;
 
 DistributedPasses* gDistributedPasses = nullptr;
@@ -68,16 +70,15 @@ void World::computeForcesPlain() {
   const double minusG = -gravitationalConstant;
   forEachActivePair(*bodies, [minusG](Body& bi, Body& bj) {
     const Vector d = bi.position - bj.position;
-    const double d2 = d.lengthSquared();
-    const double l = std::sqrt(d2);
     // A pair within 1e-12 (coincident bodies included) has no direction and
     // exerts no force; skipping it also keeps an infinite or undefined
     // magnitude from turning the zero direction into NaN.
-    if (!(std::fabs(l) > Vector::kTolerance)) {
+    const PairForce<ScalarOps> pair =
+        pairForce<ScalarOps>(d.x, d.y, d.z, minusG * bi.mass, bj.mass);
+    if (!pair.keep) {
       return;
     }
-    const double s = ((minusG * bi.mass) * bj.mass) / d2;
-    const Vector f = s * Vector::of(d.x / l, d.y / l, d.z / l);
+    const Vector f = Vector::of(pair.x, pair.y, pair.z);
     bi.addForce(f);
     bj.addForce(-1.0 * f);
   });

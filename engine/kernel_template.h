@@ -15,37 +15,29 @@
 // - a row's own contributions are transposed, so that its sum over the
 //   partners of a tile becomes W vector additions in partner order;
 // - pairs inside a strip of W bodies are done first, in list order.
-// A pair that fails the distance guard contributes -0 to the row (x + -0 is x
-// for every x) and +0 to the subtraction of the partner, so it leaves both
-// accumulators bit for bit as they were, signed zeros included.
+// Each pair's force is pairForce (pair_force.h), the expression the plain
+// pass uses. A pair that fails its distance guard contributes -0 to the row
+// (x + -0 is x for every x) and +0 to the subtraction of the partner, so it
+// leaves both accumulators bit for bit as they were, signed zeros included.
 
 #include "kernels.h"
+#include "pair_force.h"
 
 namespace {
 
-constexpr double kGuard = 1e-12;
-
-// One pair done exactly as the plain pass does it, for the pairs inside a
-// strip.
+// One pair done as the plain pass does it, for the pairs inside a strip.
 inline void scalarPair(const PackedBodies& b, int i, int j) {
-  const double dx = b.x[i] - b.x[j];
-  const double dy = b.y[i] - b.y[j];
-  const double dz = b.z[i] - b.z[j];
-  const double d2 = dx * dx + dy * dy + dz * dz;
-  const double l = __builtin_sqrt(d2);
-  if (!(__builtin_fabs(l) > kGuard)) {
+  const PairForce<ScalarOps> f = pairForce<ScalarOps>(b.x[i] - b.x[j], b.y[i] - b.y[j],
+                                                      b.z[i] - b.z[j], b.minusG * b.m[i], b.m[j]);
+  if (!f.keep) {
     return;
   }
-  const double s = ((b.minusG * b.m[i]) * b.m[j]) / d2;
-  const double fx = s * (dx / l);
-  const double fy = s * (dy / l);
-  const double fz = s * (dz / l);
-  b.fx[i] += fx;
-  b.fy[i] += fy;
-  b.fz[i] += fz;
-  b.fx[j] += -1.0 * fx;
-  b.fy[j] += -1.0 * fy;
-  b.fz[j] += -1.0 * fz;
+  b.fx[i] += f.x;
+  b.fy[i] += f.y;
+  b.fz[i] += f.z;
+  b.fx[j] += -1.0 * f.x;
+  b.fy[j] += -1.0 * f.y;
+  b.fz[j] += -1.0 * f.z;
 }
 
 template <typename S>
@@ -53,7 +45,6 @@ void rectangle(const PackedBodies& b, int rowBegin, int rowEnd, int colBegin, in
   using V = typename S::V;
   using M = typename S::M;
   constexpr int W = S::W;
-  const V tolerance = S::set1(kGuard);
   for (int r = rowBegin; r < rowEnd; r += W) {
     const int rows = rowEnd - r < W ? rowEnd - r : W;
     V fix = S::load(b.fx + r);
@@ -77,16 +68,13 @@ void rectangle(const PackedBodies& b, int rowBegin, int rowEnd, int colBegin, in
           continue;
         }
         const int i = r + k;
-        const V dx = S::sub(S::set1(b.x[i]), xj);
-        const V dy = S::sub(S::set1(b.y[i]), yj);
-        const V dz = S::sub(S::set1(b.z[i]), zj);
-        const V d2 = S::add(S::add(S::mul(dx, dx), S::mul(dy, dy)), S::mul(dz, dz));
-        const V l = S::sqrt(d2);
-        const M keep = S::both(valid, S::greater(S::abs(l), tolerance));
-        const V s = S::div(S::mul(S::set1(b.minusG * b.m[i]), mj), d2);
-        const V fx = S::mul(s, S::div(dx, l));
-        const V fy = S::mul(s, S::div(dy, l));
-        const V fz = S::mul(s, S::div(dz, l));
+        const PairForce<S> f =
+            pairForce<S>(S::sub(S::set1(b.x[i]), xj), S::sub(S::set1(b.y[i]), yj),
+                         S::sub(S::set1(b.z[i]), zj), S::set1(b.minusG * b.m[i]), mj);
+        const M keep = S::both(valid, f.keep);
+        const V fx = f.x;
+        const V fy = f.y;
+        const V fz = f.z;
         fjx = S::sub(fjx, S::orPlusZero(keep, fx));
         fjy = S::sub(fjy, S::orPlusZero(keep, fy));
         fjz = S::sub(fjz, S::orPlusZero(keep, fz));

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "tolerance.h"
 #include "vector.h"
 
 // A rotation held as a scalar w and a vector part v. The default constructor
@@ -9,7 +10,7 @@
 // the identity explicitly.
 class Quaternion {
  public:
-  static constexpr double kTolerance = 1e-12;
+  static constexpr double kTolerance = kEngineTolerance;
 
   Quaternion() = default;
   Quaternion(double w0, double x, double y, double z) : w(w0), v(Vector::of(x, y, z)) {}

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "list_storable.h"
+#include "tolerance.h"
 
 // Double-precision 3-vector in which positions, velocities, accelerations,
 // forces and camera points are expressed. It derives from ListStorable so it
@@ -11,7 +12,7 @@
 class Vector : public ListStorable {
  public:
   // Absolute bound that guards divisions and normalisation.
-  static constexpr double kTolerance = 1e-12;
+  static constexpr double kTolerance = kEngineTolerance;
 
   Vector() = default;
   explicit Vector(double s) : x(s), y(s), z(s) {}
