@@ -22,11 +22,11 @@ namespace {
 
 // A window's drawing area in whole pixels: the stored size, kept between
 // one pixel and a size any screen can show.
-int windowExtent(float size) {
-  if (!(size >= 1.0f)) {
+int windowExtent(double size) {
+  if (!(size >= 1.0)) {
     return 1;
   }
-  return size > 16384.0f ? 16384 : static_cast<int>(size);
+  return size > 16384.0 ? 16384 : static_cast<int>(size);
 }
 
 }  // namespace

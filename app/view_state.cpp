@@ -1,123 +1,160 @@
 #include "view_state.h"
 
-#include <cmath>
-#include <functional>
+#include <QLatin1String>
 
 #include "engine/quaternion.h"
 #include "view/view.h"
 
 namespace {
 
-void putReal(PlistDict& d, const char* key, double value) {
-  d.insert(QString::fromLatin1(key), PlistValue::real(value));
-}
-void putBool(PlistDict& d, const char* key, bool value) {
-  d.insert(QString::fromLatin1(key), PlistValue::boolean(value));
-}
-void putInt(PlistDict& d, const char* key, int64_t value) {
-  d.insert(QString::fromLatin1(key), PlistValue::integer(value));
+// How a key's value is kept: a real, a single-precision real (widened when
+// written, narrowed when read), a flag, a 32-bit integer, a size in pixels
+// (written as a whole number, read as single precision) or the name.
+enum class Kind { Real, Single, Flag, Integer, Pixels, Name };
+
+// Where a key's value lives, in the view or in the extras.
+using Field = void* (*)(View&, ViewDictExtras&);
+
+struct ViewKey {
+  QLatin1String key;
+  Kind kind;
+  Field field;
+};
+
+// The keys of a view dictionary, in the order in which they are written.
+const ViewKey kViewKeys[] = {
+    {QLatin1String("Camera position X"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraPosition.x; }},
+    {QLatin1String("Camera position Y"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraPosition.y; }},
+    {QLatin1String("Camera position Z"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraPosition.z; }},
+    {QLatin1String("Camera focus X"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraFocus.x; }},
+    {QLatin1String("Camera focus Y"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraFocus.y; }},
+    {QLatin1String("Camera focus Z"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraFocus.z; }},
+    {QLatin1String("Trackball enable"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.trackballEnabled; }},
+    {QLatin1String("Trackball roll"), Kind::Real,
+     [](View&, ViewDictExtras& e) -> void* { return &e.roll; }},
+    {QLatin1String("Trackball pitch"), Kind::Real,
+     [](View&, ViewDictExtras& e) -> void* { return &e.pitch; }},
+    {QLatin1String("Trackball yaw"), Kind::Real,
+     [](View&, ViewDictExtras& e) -> void* { return &e.yaw; }},
+    {QLatin1String("Track center of mass enable"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.trackCenterOfMass; }},
+    {QLatin1String("Camera autodistance"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.cameraAutodistance; }},
+    {QLatin1String("Track body enable"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.trackBody; }},
+    {QLatin1String("Track body ID"), Kind::Integer,
+     [](View& v, ViewDictExtras&) -> void* { return &v.trackBodyID; }},
+    {QLatin1String("Gridline enable"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.gridlineEnabled; }},
+    {QLatin1String("Show trace lines"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.showTraceLines; }},
+    {QLatin1String("Show vectors"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.showVectors; }},
+    {QLatin1String("Gridline spacing"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.gridlineSpacing; }},
+    {QLatin1String("Gridline color R"), Kind::Single,
+     [](View& v, ViewDictExtras&) -> void* { return &v.gridlineColor[0]; }},
+    {QLatin1String("Gridline color G"), Kind::Single,
+     [](View& v, ViewDictExtras&) -> void* { return &v.gridlineColor[1]; }},
+    {QLatin1String("Gridline color B"), Kind::Single,
+     [](View& v, ViewDictExtras&) -> void* { return &v.gridlineColor[2]; }},
+    {QLatin1String("Selected body ID"), Kind::Integer,
+     [](View& v, ViewDictExtras&) -> void* { return &v.selectedBodyID; }},
+    {QLatin1String("Window width"), Kind::Pixels,
+     [](View&, ViewDictExtras& e) -> void* { return &e.width; }},
+    {QLatin1String("Window height"), Kind::Pixels,
+     [](View&, ViewDictExtras& e) -> void* { return &e.height; }},
+    {QLatin1String("View name"), Kind::Name,
+     [](View&, ViewDictExtras& e) -> void* { return &e.name; }},
+};
+
+PlistValue valueOf(Kind kind, void* field) {
+  switch (kind) {
+    case Kind::Real:
+      return PlistValue::real(*static_cast<double*>(field));
+    case Kind::Single:
+      return PlistValue::real(static_cast<double>(*static_cast<float*>(field)));
+    case Kind::Flag:
+      return PlistValue::boolean(*static_cast<bool*>(field));
+    case Kind::Integer:
+      return PlistValue::integer(*static_cast<int*>(field));
+    case Kind::Pixels:
+      // Truncated toward zero and kept in the 32-bit range; 0 for NaN.
+      return PlistValue::integer(
+          saturateToInt32(realToInteger(*static_cast<double*>(field)).value_or(0)));
+    case Kind::Name:
+      break;
+  }
+  return PlistValue::string(static_cast<std::optional<QString>*>(field)->value_or(QString()));
 }
 
-// A size in pixels written as an integer: truncated toward zero and kept in
-// the 32-bit range, the reading the datafile code gives a real; 0 for NaN.
-int64_t truncatedSize(double value) {
-  return saturateToInt32(PlistValue::real(value).toInteger().value_or(0));
+void apply(Kind kind, void* field, const PlistValue& value) {
+  switch (kind) {
+    case Kind::Real:
+      if (auto r = value.toReal()) {
+        *static_cast<double*>(field) = *r;
+      }
+      break;
+    case Kind::Single:
+      if (auto r = value.toReal()) {
+        *static_cast<float*>(field) = narrowToFloat(*r);
+      }
+      break;
+    case Kind::Pixels:
+      if (auto r = value.toReal()) {
+        *static_cast<double*>(field) = static_cast<double>(narrowToFloat(*r));
+      }
+      break;
+    case Kind::Flag:
+      if (auto b = value.toBool()) {
+        *static_cast<bool*>(field) = *b;
+      }
+      break;
+    case Kind::Integer:
+      if (auto i = value.toInteger()) {
+        *static_cast<int*>(field) = saturateToInt32(*i);
+      }
+      break;
+    case Kind::Name:
+      if (auto t = value.toText()) {
+        *static_cast<std::optional<QString>*>(field) = *t;
+      }
+      break;
+  }
 }
 
 }  // namespace
 
-PlistDict writeViewDict(const View& v) {
-  PlistDict d;
-  putReal(d, "Camera position X", v.cameraPosition.x);
-  putReal(d, "Camera position Y", v.cameraPosition.y);
-  putReal(d, "Camera position Z", v.cameraPosition.z);
-  putReal(d, "Camera focus X", v.cameraFocus.x);
-  putReal(d, "Camera focus Y", v.cameraFocus.y);
-  putReal(d, "Camera focus Z", v.cameraFocus.z);
-  putBool(d, "Trackball enable", v.trackballEnabled);
+PlistDict writeViewDict(const View& view) {
+  // The table gives write access to fields that are only read here.
+  View& v = const_cast<View&>(view);
   const Vector angles = v.trackball->rotation.toRollPitchYaw();
-  putReal(d, "Trackball roll", angles.x);
-  putReal(d, "Trackball pitch", angles.y);
-  putReal(d, "Trackball yaw", angles.z);
-  putBool(d, "Track center of mass enable", v.trackCenterOfMass);
-  putReal(d, "Camera autodistance", v.cameraAutodistance);
-  putBool(d, "Track body enable", v.trackBody);
-  putInt(d, "Track body ID", v.trackBodyID);
-  putBool(d, "Gridline enable", v.gridlineEnabled);
-  putBool(d, "Show trace lines", v.showTraceLines);
-  putBool(d, "Show vectors", v.showVectors);
-  putReal(d, "Gridline spacing", v.gridlineSpacing);
-  putReal(d, "Gridline color R", static_cast<double>(v.gridlineColor[0]));
-  putReal(d, "Gridline color G", static_cast<double>(v.gridlineColor[1]));
-  putReal(d, "Gridline color B", static_cast<double>(v.gridlineColor[2]));
-  putInt(d, "Selected body ID", v.selectedBodyID);
-  putInt(d, "Window width", truncatedSize(v.trackball->width));
-  putInt(d, "Window height", truncatedSize(v.trackball->height));
-  d.insert(QStringLiteral("View name"), PlistValue::string(QString::fromUtf8(v.name)));
+  ViewDictExtras extras{angles.x,
+                        angles.y,
+                        angles.z,
+                        v.trackball->width,
+                        v.trackball->height,
+                        QString::fromUtf8(v.name)};
+  PlistDict d;
+  for (const ViewKey& entry : kViewKeys) {
+    d.insert(entry.key, valueOf(entry.kind, entry.field(v, extras)));
+  }
   return d;
 }
 
 ViewDictExtras applyViewDict(View& v, const PlistDict& dict) {
   ViewDictExtras extras;
-  auto real = [](double& field) {
-    return [&field](const PlistValue& value) {
-      if (auto r = value.toReal())
-        field = *r;
-    };
-  };
-  auto single = [](float& field) {
-    return [&field](const PlistValue& value) {
-      if (auto r = value.toReal())
-        field = narrowToFloat(*r);
-    };
-  };
-  auto flag = [](bool& field) {
-    return [&field](const PlistValue& value) {
-      if (auto b = value.toBool())
-        field = *b;
-    };
-  };
-  auto integer = [](int& field) {
-    return [&field](const PlistValue& value) {
-      if (auto i = value.toInteger())
-        field = saturateToInt32(*i);
-    };
-  };
-  const std::pair<const char*, std::function<void(const PlistValue&)>> table[] = {
-      {"Camera position X", real(v.cameraPosition.x)},
-      {"Camera position Y", real(v.cameraPosition.y)},
-      {"Camera position Z", real(v.cameraPosition.z)},
-      {"Camera focus X", real(v.cameraFocus.x)},
-      {"Camera focus Y", real(v.cameraFocus.y)},
-      {"Camera focus Z", real(v.cameraFocus.z)},
-      {"Trackball enable", flag(v.trackballEnabled)},
-      {"Trackball roll", real(extras.roll)},
-      {"Trackball pitch", real(extras.pitch)},
-      {"Trackball yaw", real(extras.yaw)},
-      {"Track center of mass enable", flag(v.trackCenterOfMass)},
-      {"Camera autodistance", real(v.cameraAutodistance)},
-      {"Track body enable", flag(v.trackBody)},
-      {"Track body ID", integer(v.trackBodyID)},
-      {"Gridline enable", flag(v.gridlineEnabled)},
-      {"Show trace lines", flag(v.showTraceLines)},
-      {"Show vectors", flag(v.showVectors)},
-      {"Gridline spacing", real(v.gridlineSpacing)},
-      {"Gridline color R", single(v.gridlineColor[0])},
-      {"Gridline color G", single(v.gridlineColor[1])},
-      {"Gridline color B", single(v.gridlineColor[2])},
-      {"Selected body ID", integer(v.selectedBodyID)},
-      {"Window width", single(extras.width)},
-      {"Window height", single(extras.height)},
-      {"View name",
-       [&extras](const PlistValue& value) {
-         if (auto t = value.toText())
-           extras.name = *t;
-       }},
-  };
   for (const PlistEntry& entry : dict.entries()) {
-    for (const auto& [key, apply] : table) {
-      if (entry.key == QLatin1String(key)) {
-        apply(entry.value);
+    for (const ViewKey& key : kViewKeys) {
+      if (entry.key == key.key) {
+        apply(key.kind, key.field(v, extras), entry.value);
         break;
       }
     }

@@ -1,24 +1,28 @@
 #pragma once
 
+#include <QString>
+#include <optional>
+
 #include "document/plist_value.h"
 
 class View;
 
-// The view dictionary of a datafile's "Views" section, written from a view
-// and applied to one.
-PlistDict writeViewDict(const View& view);
-
-// What a view dictionary says beyond the View's own fields: the trackball's
+// What a view dictionary holds beyond the View's own fields: the trackball's
 // angles and the drawing-area size, which the loader applies after the last
-// key, and the stored name, which goes through the window's title.
+// key, and the name, which goes through the window's title.
 struct ViewDictExtras {
   double roll = 0.0;
   double pitch = 0.0;
   double yaw = 0.0;
-  float width = 100.0f;
-  float height = 100.0f;
+  // Read as single precision; written truncated to whole pixels.
+  double width = 100.0;
+  double height = 100.0;
   std::optional<QString> name;
 };
+
+// The view dictionary of a datafile's "Views" section, written from a view
+// and applied to one, through one table of keys.
+PlistDict writeViewDict(const View& view);
 
 // Applies every known key of a view dictionary to the view; unknown keys are
 // ignored and values of another type give their numeric, truth or integer

@@ -222,15 +222,19 @@ std::optional<double> PlistValue::toReal() const {
   return std::nullopt;
 }
 
+std::optional<int64_t> realToInteger(double value) {
+  if (std::isnan(value)) {
+    return std::nullopt;
+  }
+  return saturateToInt64(value);
+}
+
 std::optional<int64_t> PlistValue::toInteger() const {
   if (const int64_t* i = integerValue()) {
     return *i;
   }
   if (const double* d = realValue()) {
-    if (std::isnan(*d)) {
-      return std::nullopt;
-    }
-    return saturateToInt64(*d);
+    return realToInteger(*d);
   }
   if (const bool* b = booleanValue()) {
     return *b ? 1 : 0;

@@ -114,6 +114,10 @@ std::optional<int64_t> leadingInteger(QStringView text);
 // Clamps to the range of a 32-bit field.
 int32_t saturateToInt32(int64_t value);
 
+// The integer reading of a real, as a datafile's integer fields take one:
+// truncated toward zero and held within the 64-bit range; nothing for NaN.
+std::optional<int64_t> realToInteger(double value);
+
 // Narrows to single precision; values beyond the float range become
 // infinities of their sign, as the hardware conversion gives them, without
 // relying on a conversion the language leaves undefined.

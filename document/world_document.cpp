@@ -10,8 +10,12 @@
 namespace {
 
 // The simulation parameters: root keys and the world fields they hold, in the
-// order in which they are written. The one float field is the speed.
-using WorldSlot = std::variant<double World::*, bool World::*, int32_t World::*, float World::*,
+// order in which they are written. The speed is a single-precision field
+// that is read through the clock's bound.
+struct BoundedSpeed {
+  float World::*member;
+};
+using WorldSlot = std::variant<double World::*, bool World::*, int32_t World::*, BoundedSpeed,
                                char (World::*)[kNameSize]>;
 struct WorldKey {
   QLatin1String key;
@@ -23,7 +27,7 @@ const WorldKey kWorldKeys[] = {
     {QLatin1String("Gravitational constant"), &World::gravitationalConstant},
     {QLatin1String("Collision model"), &World::merge},
     {QLatin1String("Coefficient of restitution"), &World::restitution},
-    {QLatin1String("Milliseconds per update"), &World::millisecondsPerUpdate},
+    {QLatin1String("Milliseconds per update"), BoundedSpeed{&World::millisecondsPerUpdate}},
     {QLatin1String("World name"), &World::name},
     {QLatin1String("Trace history points"), &World::traceHistoryPoints},
 };
@@ -95,12 +99,12 @@ void applyWorldKey(World& world, const WorldSlot& slot, const PlistValue& value)
           if (const auto i = value.toInteger()) {
             world.*member = saturateToInt32(*i);
           }
-        } else if constexpr (std::is_same_v<M, float World::*>) {
+        } else if constexpr (std::is_same_v<M, BoundedSpeed>) {
           // The speed goes through the clock's bound rather than straight
           // into the world. The simulation is stopped while loading, so
           // storing the bounded value is all the clock would do.
           if (const auto ms = value.toReal()) {
-            world.*member = boundedWorldSpeed(narrowToFloat(*ms));
+            world.*member.member = boundedWorldSpeed(narrowToFloat(*ms));
           }
         } else {
           if (const auto text = value.toText()) {
@@ -233,8 +237,11 @@ void writeSimulationParameters(const World& world, PlistDict& dict) {
     PlistValue value = std::visit(
         [&](auto member) {
           using M = decltype(member);
-          if constexpr (std::is_same_v<M, double World::*> || std::is_same_v<M, float World::*>) {
-            return PlistValue::real(static_cast<double>(world.*member));
+          if constexpr (std::is_same_v<M, double World::*>) {
+            return PlistValue::real(world.*member);
+          } else if constexpr (std::is_same_v<M, BoundedSpeed>) {
+            // Single precision, widened.
+            return PlistValue::real(static_cast<double>(world.*member.member));
           } else if constexpr (std::is_same_v<M, bool World::*>) {
             return PlistValue::boolean(world.*member);
           } else if constexpr (std::is_same_v<M, int32_t World::*>) {
