@@ -144,7 +144,7 @@ bool anyTouching(const PackedBodies& b, int rowBegin, int rowEnd) {
 
 template <typename S>
 KernelSet makeKernels() {
-  return KernelSet{S::W, &triangle<S>, &rectangle<S>, &anyTouching<S>};
+  return KernelSet{&triangle<S>, &rectangle<S>, &anyTouching<S>};
 }
 
 }  // namespace

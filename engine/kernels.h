@@ -33,7 +33,6 @@ using RectangleKernel = void (*)(const PackedBodies& b, int rowBegin, int rowEnd
 using TouchKernel = bool (*)(const PackedBodies& b, int rowBegin, int rowEnd);
 
 struct KernelSet {
-  int width;
   TriangleKernel triangle;
   RectangleKernel rectangle;
   TouchKernel anyTouching;

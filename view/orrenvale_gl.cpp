@@ -87,7 +87,7 @@ void OrrenvaleGL::prepareOpenGL() {
   pObj = gluNewQuadric();
   sphereList = glGenLists(1);
   glNewList(sphereList, GL_COMPILE);
-  gluSphere(pObj, 1.0, 24, 24);
+  drawUnitSphere();
   glEndList();
   glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
 }

@@ -94,6 +94,10 @@ class OrrenvaleGL : public QOpenGLWidget {
   // precision.
   QPointF pointerPosition(const QMouseEvent& event) const;
 
+  // A sphere of radius 1 in the tessellation every body is drawn and picked
+  // with: 24 slices around, 24 stacks from pole to pole.
+  void drawUnitSphere() const;
+
   GLUquadric* pObj = nullptr;
   unsigned int sphereList = 0;
   bool fGLInit = false;

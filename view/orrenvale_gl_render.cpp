@@ -104,7 +104,7 @@ void OrrenvaleGL::drawBodies(const World& world, bool selecting) const {
     // Calling a display list in selection mode crashes Mesa's llvmpipe, so
     // picking draws the sphere directly.
     if (selecting) {
-      gluSphere(pObj, 1.0, 24, 24);
+      drawUnitSphere();
     } else {
       glCallList(sphereList);
     }
@@ -166,4 +166,8 @@ void OrrenvaleGL::drawAxisMarker() const {
   markerQuad(kBlue, Vector::of(0, 0, l), Vector::of(0, w, 0));
   markerQuad(kBlue, Vector::of(0, 0, l), Vector::of(w, 0, 0));
   glEnd();
+}
+
+void OrrenvaleGL::drawUnitSphere() const {
+  gluSphere(pObj, 1.0, 24, 24);
 }
