@@ -18,6 +18,8 @@
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
 #include "palettes/view_window_controller.h"
+#include "view/trackball.h"
+#include "view/view.h"
 
 // Answers the application's dialogs from a script: each run of a panel takes
 // the next scripted answer, or cancels when there is none.
@@ -109,8 +111,13 @@ class AppTest : public ::testing::Test {
                ? controller->mainWindowController()->window()->windowTitle()
                : QString();
   }
-  // Runs the event loop for the given time, so timers fire.
-  static void runFor(int ms) { QTest::qWait(ms); }
+  // Waits until the main view has drawn a frame at its drawing area's
+  // size (a frame records the size in the view's trackball).
+  bool waitForFrameOfSize(int width, int height) const {
+    const View* v = controller->currentView();
+    return QTest::qWaitFor(
+        [&] { return v->trackball->width == width && v->trackball->height == height; }, 5000);
+  }
 
   ScriptedPanels panels;
   std::unique_ptr<Controller> controller;

@@ -57,7 +57,7 @@ TEST_F(AppTest, LeavingAndEnteringWithoutRunningKeepsTheWorld) {
 TEST_F(AppTest, RevertReturnsARunToItsDesignOutsideDesignMode) {
   designAndLeave(*controller);
   controller->toggleSim(nullptr);
-  runFor(50);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return world().elapsedTime > 0; }, 5000));
   controller->revertSim(nullptr);
   EXPECT_FALSE(controller->running());
   EXPECT_FALSE(controller->editing());

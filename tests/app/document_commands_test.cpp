@@ -46,8 +46,7 @@ class DocumentTest : public AppTest {
     copyName(second->CGLview()->view()->name, "Side");
     controller->setWindowTitleAndMinSize(second->window(), "Side");
     second->setContentSize(320, 240);
-    flush();
-    QTest::qWait(100);  // a frame records the drawing-area size
+    ASSERT_TRUE(waitForFrameOfSize(320, 240));
     controller->editCurrent(nullptr);
     flush();
   }
@@ -273,8 +272,7 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
   b->position.y = 100.0;  // in the upper half of the view
   controller->currentView()->selectedBodyID = 0;
   controller->mainWindowController()->setContentSize(300, 200);
-  flush();
-  QTest::qWait(100);
+  ASSERT_TRUE(waitForFrameOfSize(300, 200));
   panels.files.push_back(path("view"));
   controller->exportTIFF(nullptr);
   EXPECT_EQ(panels.lastFileTitle, "Export View to TIFF");
@@ -298,8 +296,7 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
 
 TEST_F(DocumentTest, PrintHandsTheCapturedViewToThePrintDialog) {
   controller->mainWindowController()->setContentSize(300, 240);
-  flush();
-  QTest::qWait(100);
+  ASSERT_TRUE(waitForFrameOfSize(300, 240));
   item("menuFilePrint")->trigger();
   EXPECT_EQ(panels.printed.size(), QSize(300, 240));
 }

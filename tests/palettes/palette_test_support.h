@@ -8,7 +8,9 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenuBar>
+#include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -208,7 +210,28 @@ inline void chooseItem(QComboBox* p, const char* itemName) {
   ASSERT_TRUE(QTest::qWaitForWindowExposed(list->window()));
   const QRect rect = list->visualRect(list->model()->index(index, 0));
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rect.center());
-  QTest::qWait(1);
+  ASSERT_TRUE(QTest::qWaitFor([list] { return !list->isVisible(); }, 5000));
+}
+
+// The palette's running refresh timer, or null while it has none.
+inline QTimer* refreshTimer(const QObject& palette) {
+  for (QTimer* t : palette.findChildren<QTimer*>()) {
+    if (t->isActive() && t->interval() == 200) {
+      return t;
+    }
+  }
+  return nullptr;
+}
+
+// Waits until the palette's refresh timer has fired n more times; its own
+// refresh runs first, as it was connected first. False without a timer.
+inline bool waitForRefreshes(const QObject& palette, int n = 2) {
+  QTimer* timer = refreshTimer(palette);
+  if (timer == nullptr) {
+    return false;
+  }
+  QSignalSpy ticks(timer, &QTimer::timeout);
+  return QTest::qWaitFor([&] { return ticks.count() >= n; }, 5000);
 }
 
 // Shows a palette's window the way the controller does and waits for it.

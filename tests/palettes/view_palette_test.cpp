@@ -10,9 +10,6 @@
 
 namespace {
 
-// The refresh runs every 200 ms; this lets at least two ticks pass.
-constexpr int kSeveralTicksMs = 700;
-
 class ViewPalette : public testing::Test {
  protected:
   void SetUp() override {
@@ -126,7 +123,7 @@ TEST_F(ViewPalette, TrackedBodyIsChosenByNameAndAnUnknownNameChangesNothing) {
   EXPECT_EQ(view.trackBodyID, mars->id);
 
   host.w.deleteBodyById(mars->id);
-  QTest::qWait(kSeveralTicksMs);
+  ASSERT_TRUE(waitForRefreshes(palette));
   EXPECT_TRUE(f("bodytotrack")->text().isEmpty());
 }
 
@@ -186,7 +183,7 @@ TEST_F(ViewPalette, DisablingEmptiesEveryControlAndNoViewLeavesThemAlone) {
   show();
   palette.setCEnabled(false);
   host.view = nullptr;
-  QTest::qWait(kSeveralTicksMs);
+  ASSERT_TRUE(waitForRefreshes(palette));
   int controls = 0;
   for (QWidget* w : win->findChildren<QWidget*>()) {
     if (auto* e = qobject_cast<QLineEdit*>(w)) {

