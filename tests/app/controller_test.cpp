@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <limits>
 #include <ostream>
 
 #include "app/splash_window.h"
@@ -83,6 +84,31 @@ INSTANTIATE_TEST_SUITE_P(Bounds, WorldSpeed,
                          ::testing::Values(SpeedCase{0.0f, 0.0f}, SpeedCase{0.005f, 0.01f},
                                            SpeedCase{-3.0f, 0.01f}, SpeedCase{0.02f, 0.02f},
                                            SpeedCase{10.0f, 10.0f}));
+
+struct PaceCase {
+  float ms;
+  int interval;
+};
+
+class TimerPace : public AppTest, public ::testing::WithParamInterface<PaceCase> {};
+
+// Whole milliseconds, as fast as possible below half a millisecond, and the
+// slowest the timer can count for any speed beyond it, never the fastest.
+TEST_P(TimerPace, FollowsTheSpeedAndSaturatesAtTheSlowest) {
+  controller->edit(nullptr);
+  controller->runSim();
+  controller->setWorldSpeed(GetParam().ms);
+  ASSERT_TRUE(controller->running());
+  EXPECT_EQ(controller->updateTimer()->interval(), GetParam().interval);
+}
+
+INSTANTIATE_TEST_SUITE_P(Speeds, TimerPace,
+                         ::testing::Values(PaceCase{0.0f, 0}, PaceCase{0.4f, 0},
+                                           PaceCase{20.0f, 20},
+                                           PaceCase{2147483648.0f, std::numeric_limits<int>::max()},
+                                           PaceCase{1e30f, std::numeric_limits<int>::max()},
+                                           PaceCase{std::numeric_limits<float>::infinity(),
+                                                    std::numeric_limits<int>::max()}));
 
 TEST_F(AppTest, ThereIsNeverMoreThanOneUpdateTimer) {
   controller->edit(nullptr);  // leave design mode
