@@ -4,10 +4,10 @@
 #include <QBuffer>
 #include <QImageWriter>
 #include <QMainWindow>
-#include <QSaveFile>
 #include <cmath>
 
 #include "controller.h"
+#include "document/output_file.h"
 #include "document/plist_writer.h"
 #include "document/world_document.h"
 #include "engine/world.h"
@@ -142,16 +142,18 @@ void Controller::exportTIFF(QObject* /*sender*/) {
   if (!path) {
     return;
   }
-  const QImage image = view->captureView();
-  QSaveFile file(*path);
-  if (!file.open(QIODevice::WriteOnly)) {
+  // The TIFF is made in memory, then written whole to a temporary file and
+  // moved into place (a FIFO or a device as a stream); a failed write is not
+  // reported and leaves any earlier file as it was.
+  QBuffer tiff;
+  tiff.open(QIODevice::WriteOnly);
+  QImageWriter writer(&tiff, "tiff");
+  if (!writer.write(view->captureView())) {
     return;
   }
-  QImageWriter writer(&file, "tiff");
-  if (writer.write(image)) {
+  OutputFile file;
+  if (file.open(*path, FifoOpen::FailWithoutReader) && file.write(tiff.data())) {
     file.commit();
-  } else {
-    file.cancelWriting();
   }
 }
 

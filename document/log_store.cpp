@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QIODevice>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -97,7 +96,7 @@ void LogStore::clear() {
   error_.clear();
 }
 
-bool LogStore::copyTo(QIODevice& device) const {
+bool LogStore::copyTo(const std::function<bool(const char*, std::size_t)>& write) const {
   if (fd_ >= 0) {
     std::vector<char> chunk(kBufferBytes);
     off_t offset = 0;
@@ -112,14 +111,13 @@ bool LogStore::copyTo(QIODevice& device) const {
       if (n == 0) {
         break;
       }
-      if (device.write(chunk.data(), n) != n) {
+      if (!write(chunk.data(), static_cast<std::size_t>(n))) {
         return false;
       }
       offset += n;
     }
   }
-  const auto size = static_cast<qint64>(buffer_.size());
-  return device.write(buffer_.data(), size) == size;
+  return write(buffer_.data(), buffer_.size());
 }
 
 std::string LogStore::contents() const {

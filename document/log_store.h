@@ -2,10 +2,9 @@
 
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
-
-class QIODevice;
 
 // An append-only log of text lines whose memory stays bounded however long
 // it grows: lines are gathered in a small buffer and written on to an
@@ -31,8 +30,9 @@ class LogStore {
   int64_t byteCount() const { return bytes_; }
   const QString& error() const { return error_; }
 
-  // Writes the whole log to the device; false on a read or write error.
-  bool copyTo(QIODevice& device) const;
+  // Hands the whole log to write, in pieces, in order; false when reading it
+  // back or write fails.
+  bool copyTo(const std::function<bool(const char* data, std::size_t size)>& write) const;
   // The whole log as one string: for tests and small logs.
   std::string contents() const;
 

@@ -35,9 +35,18 @@ void World::reset() {
 Body* World::createBody() {
   auto* body = new Body(nextBodyId - kFirstBodyId);
   bodies->append(new ListNode(body));
+  // The counter stops at the largest identifier rather than wrap. Once it
+  // is used, a new body takes the lowest identifier from 100 up that no
+  // body has: two bodies never share one.
+  if (nextBodyId == std::numeric_limits<int32_t>::max() && findBodyById(nextBodyId) != nullptr) {
+    int32_t id = kFirstBodyId;
+    while (findBodyById(id) != nullptr) {
+      ++id;
+    }
+    body->id = id;
+    return body;
+  }
   body->id = nextBodyId;
-  // The counter stops at the largest identifier rather than wrap; a world
-  // that has used up every identifier gives that one again.
   if (nextBodyId < std::numeric_limits<int32_t>::max()) {
     ++nextBodyId;
   }

@@ -5,7 +5,6 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QScrollBar>
 #include <QTextCursor>
 #include <QTimer>
@@ -14,6 +13,7 @@
 #include <string_view>
 
 #include "document/log_line.h"
+#include "document/output_file.h"
 #include "palettes/palette_host.h"
 #include "palettes/palette_window.h"
 #include "palettes/panels.h"
@@ -254,16 +254,13 @@ void TextOutputController::clickSave(QObject*) {
   if (!path) {
     return;
   }
-  // Written whole to a temporary file and moved into place; a failed write
-  // leaves any earlier file as it was and, as the log's saving always has,
-  // reports nothing.
-  QSaveFile file(*path);
-  if (!file.open(QIODevice::WriteOnly)) {
-    return;
-  }
-  if (log_.copyTo(file)) {
+  // Written whole to a temporary file and moved into place (a FIFO or a
+  // device is written as a stream, never replaced); a failed write leaves
+  // any earlier file as it was and, as the log's saving always has, reports
+  // nothing.
+  OutputFile file;
+  if (file.open(*path, FifoOpen::FailWithoutReader) &&
+      log_.copyTo([&file](const char* data, std::size_t size) { return file.write(data, size); })) {
     file.commit();
-  } else {
-    file.cancelWriting();
   }
 }

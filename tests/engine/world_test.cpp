@@ -45,11 +45,16 @@ TEST(World, IdentifiersCountUpAndAreNeverReused) {
   EXPECT_EQ(world.createBody()->id, 100);
 }
 
-TEST(World, IdentifierCounterStopsAtTheLargestIdentifier) {
+TEST(World, IdentifierCounterStopsAtTheLargestIdentifierAndNeverRepeatsOne) {
   World world;
   world.nextBodyId = 2147483647;
   EXPECT_EQ(world.createBody()->id, 2147483647);
   EXPECT_EQ(world.nextBodyId, 2147483647);
+  // The largest is taken: the lowest free identifiers from 100 up follow.
+  EXPECT_EQ(world.createBody()->id, 100);
+  EXPECT_EQ(world.createBody()->id, 101);
+  world.deleteBodyById(100);
+  EXPECT_EQ(world.createBody()->id, 100);
 }
 
 TEST(World, LookupsFindTheFirstMatchOrNothing) {
