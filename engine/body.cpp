@@ -4,8 +4,9 @@
 #include <cstring>
 
 namespace {
-BodyObserver* gObserver = nullptr;
-}
+// One per thread (see BodyObserver).
+thread_local BodyObserver* gObserver = nullptr;
+}  // namespace
 
 void setBodyObserver(BodyObserver* observer) {
   gObserver = observer;

@@ -11,6 +11,11 @@ class Body;
 // Receives every construction (copies included) and destruction of a Body, so
 // the application can keep one menu entry per body. The engine runs without
 // one; install it with setBodyObserver.
+//
+// The observer belongs to the thread that installs it: bodies made and
+// destroyed on any other thread (a world stepped on a worker thread to look
+// ahead) tell no one, so the application's menu, which only its own thread
+// may touch, never hears of them.
 class BodyObserver {
  public:
   virtual ~BodyObserver() = default;
@@ -20,7 +25,7 @@ class BodyObserver {
   virtual void worldDeleteBody(Body& body) = 0;
 };
 
-// Process-wide; null (the default) means no one is told.
+// Per thread; null (the default) means no one is told.
 void setBodyObserver(BodyObserver* observer);
 BodyObserver* bodyObserver();
 

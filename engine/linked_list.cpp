@@ -17,6 +17,22 @@ void LinkedList::append(ListNode* node) {
   ++count_;
 }
 
+void LinkedList::insertBefore(ListNode* next, ListNode* node) {
+  if (next == nullptr) {
+    append(node);
+    return;
+  }
+  node->next = next;
+  node->prev = next->prev;
+  if (next->prev != nullptr) {
+    next->prev->next = node;
+  } else {
+    head_ = node;
+  }
+  next->prev = node;
+  ++count_;
+}
+
 void LinkedList::remove(ListNode* node) {
   if (node == head_) {
     head_ = node->next;

@@ -33,6 +33,9 @@ class LinkedList {
 
   // Links a node (item set, owned from now on) after the tail.
   void append(ListNode* node);
+  // Links a node before another node of this list, or after the tail when
+  // next is null.
+  void insertBefore(ListNode* next, ListNode* node);
   // Unlinks a node of this list and deletes it with its item.
   void remove(ListNode* node);
   // Removes every node from the head to the tail.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include "list_storable.h"
 #include "tolerance.h"
@@ -117,6 +119,15 @@ inline Vector operator/(const Vector& v, double s) {
     return Vector::of(v.x / s, v.y / s, v.z / s);
   }
   return Vector();
+}
+
+// Equal bit for bit: 0 and -0 differ, a NaN equals the same NaN. Edits that
+// must restore a value exactly compare this way.
+inline bool sameBits(double a, double b) {
+  return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b);
+}
+inline bool sameBits(const Vector& a, const Vector& b) {
+  return sameBits(a.x, b.x) && sameBits(a.y, b.y) && sameBits(a.z, b.z);
 }
 
 // The angle conversions use the factor 57.2957795 rather than 180/pi at full

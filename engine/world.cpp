@@ -1,5 +1,6 @@
 #include "world.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -49,6 +50,24 @@ Body* World::createBody() {
   body->id = nextBodyId;
   if (nextBodyId < std::numeric_limits<int32_t>::max()) {
     ++nextBodyId;
+  }
+  return body;
+}
+
+Body* World::insertBody(int32_t id, int32_t index) {
+  // The default name of the identifier's creation number ("Body 0" for
+  // identifier 100), as createBody names the bodies it numbers.
+  const auto number = static_cast<int>(
+      std::max<int64_t>(int64_t{id} - kFirstBodyId, std::numeric_limits<int32_t>::min()));
+  auto* body = new Body(number);
+  ListNode* next = index < bodies->count() ? bodies->head() : nullptr;
+  for (int32_t i = 0; i < index && next != nullptr; ++i) {
+    next = next->next;
+  }
+  bodies->insertBefore(next, new ListNode(body));
+  body->id = id;
+  if (id >= nextBodyId && id < std::numeric_limits<int32_t>::max()) {
+    nextBodyId = id + 1;
   }
   return body;
 }

@@ -51,6 +51,12 @@ class World {
   // Body management.
   void reset();
   Body* createBody();
+  // Puts a body with the given identifier back at the given place in the
+  // list (0 first; past the end appends), as an undone deletion does. It
+  // takes no identifier from nextBodyId, which is raised past id if needed
+  // so that the identifier is never handed out again. The body carries its
+  // default name and fields.
+  Body* insertBody(int32_t id, int32_t index);
   Body* findBodyById(int32_t id) const;
   Body* findBodyByName(std::string_view name) const;
   void deleteBodyById(int32_t id);

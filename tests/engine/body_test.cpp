@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <thread>
 
 #include "engine/body.h"
 #include "engine/names.h"
@@ -91,6 +92,23 @@ TEST(Body, EngineRunsWithNoObserver) {
   addBody(world, vec(1.5, 0, 0));
   world.step();
   EXPECT_EQ(world.bodies->count(), 1);
+}
+
+// A world built and stepped on another thread (a look ahead) must not reach
+// the observer, which the application's menus answer on their own thread.
+TEST(Body, AnotherThreadsBodiesReachNoObserver) {
+  RecordingObserver observer;
+  std::thread([] {
+    World world;
+    addBody(world, vec(0, 0, 0));
+    addBody(world, vec(1.5, 0, 0));
+    world.adaptive = true;
+    world.step();
+  }).join();
+  EXPECT_TRUE(observer.events.empty());
+  World here;
+  here.createBody();
+  EXPECT_EQ(observer.count(true), 1);
 }
 
 struct NameCase {

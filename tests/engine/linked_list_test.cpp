@@ -80,6 +80,18 @@ INSTANTIATE_TEST_SUITE_P(HeadMiddleTail, LinkedListRemove,
                                            RemoveCase{3, 2, {0, 1}},
                                            RemoveCase{5, 3, {0, 1, 2, 4}}));
 
+TEST(LinkedList, InsertBeforeKeepsBothDirectionsConsistent) {
+  std::vector<int> log;
+  LinkedList list;
+  list.insertBefore(nullptr, new ListNode(new Tracked(2, log)));
+  list.insertBefore(list.head(), new ListNode(new Tracked(0, log)));
+  list.insertBefore(nullptr, new ListNode(new Tracked(3, log)));
+  list.insertBefore(nodeAt(list, 1), new ListNode(new Tracked(1, log)));
+  EXPECT_EQ(idsForward(list), (std::vector<int>{0, 1, 2, 3}));
+  EXPECT_EQ(idsBackward(list), (std::vector<int>{0, 1, 2, 3}));
+  EXPECT_EQ(list.count(), 4);
+}
+
 TEST(LinkedList, AppendAfterEmptyingMakesTheNodeHeadAndTail) {
   std::vector<int> deleted;
   LinkedList list;

@@ -45,6 +45,28 @@ TEST(World, IdentifiersCountUpAndAreNeverReused) {
   EXPECT_EQ(world.createBody()->id, 100);
 }
 
+// Putting a deleted body back: same identifier and default name, same place,
+// and the counter never hands the identifier out again.
+TEST(World, InsertBodyPutsABodyBackAtItsPlace) {
+  World world;
+  for (int i = 0; i < 3; ++i)
+    world.createBody();
+  world.deleteBodyById(101);
+  Body* back = world.insertBody(101, 1);
+  EXPECT_STREQ(back->name, "Body 1");
+  std::vector<int> ids;
+  for (Body* b : bodiesOf(world))
+    ids.push_back(b->id);
+  EXPECT_EQ(ids, (std::vector<int>{100, 101, 102}));
+  EXPECT_EQ(world.nextBodyId, 103);
+  EXPECT_EQ(world.insertBody(200, 0)->id, 200);
+  const Body* last = world.insertBody(300, 99);
+  EXPECT_EQ(last, world.bodies->tail()->item());
+  EXPECT_EQ(static_cast<Body*>(world.bodies->head()->item())->id, 200);
+  EXPECT_EQ(world.nextBodyId, 301);
+  EXPECT_EQ(world.bodies->count(), 5);
+}
+
 TEST(World, IdentifierCounterStopsAtTheLargestIdentifierAndNeverRepeatsOne) {
   World world;
   world.nextBodyId = 2147483647;
