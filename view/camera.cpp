@@ -20,6 +20,18 @@ void lookAlong(View& v, const Vector& focus, const Vector& motion) {
 
 }  // namespace
 
+std::optional<FrustumExtent> frustumExtent(const Trackball& tb) {
+  const double t = std::tan(kHalfFieldOfView);
+  const float aspect = static_cast<float>(tb.width) / static_cast<float>(tb.height);
+  if (!(aspect > 0.0f) || !std::isfinite(aspect)) {
+    return std::nullopt;
+  }
+  if (aspect >= 1.0f) {
+    return FrustumExtent{aspect * t, t};
+  }
+  return FrustumExtent{t, t / aspect};
+}
+
 void trackView(View& v, const World& world) {
   if (v.trackBody) {
     const Body* body = world.findBodyById(v.trackBodyID);

@@ -1,9 +1,24 @@
 #pragma once
 
+#include <optional>
+
+class Trackball;
 class View;
 class World;
 
 // Camera arithmetic of a view, apart from OpenGL. Positions are world units.
+
+// Half of the 45-degree field of view of the narrower side, in radians.
+inline constexpr double kHalfFieldOfView = 22.5 * 3.14159265 / 180.0;
+
+// Half the width and height of the view's frustum on the near plane, which
+// lies at distance 1: the narrower side spans 45 degrees, the aspect ratio
+// formed in single precision. Nothing while the view has no area.
+struct FrustumExtent {
+  double right;
+  double top;
+};
+std::optional<FrustumExtent> frustumExtent(const Trackball& tb);
 
 // Points a tracking view's camera at the body it follows (when both modes are
 // on, the body wins) or at the centre of mass, from cameraAutodistance behind

@@ -15,8 +15,6 @@
 
 namespace {
 
-// Half of the 45-degree field of view of the narrower side, in radians.
-constexpr double kHalfFieldOfView = 22.5 * 3.14159265 / 180.0;
 constexpr double kNearPlane = 1.0;
 constexpr double kFarPlane = 1e10;
 
@@ -33,6 +31,8 @@ OrrenvaleGL::OrrenvaleGL(QWidget* parent) : QOpenGLWidget(parent) {
   v_ = std::make_unique<View>(number - World::kFirstViewNumber);
   // Key commands reach the view once its window is active.
   setFocusPolicy(Qt::StrongFocus);
+  // Moves without a button pressed keep the pointer shape up to date.
+  setMouseTracking(true);
   redrawTimer_ = new QTimer(this);
   redrawTimer_->setTimerType(Qt::PreciseTimer);
   redrawTimer_->setInterval(kRedrawTimerInterval);
@@ -149,17 +149,9 @@ void OrrenvaleGL::updateProjection() {
 }
 
 void OrrenvaleGL::multiplyFrustum() const {
-  const Trackball& tb = *v_->trackball;
-  const double t = std::tan(kHalfFieldOfView);
-  const float aspect = static_cast<float>(tb.width) / static_cast<float>(tb.height);
   // A view without area (size not known yet) gets no frustum.
-  if (!(aspect > 0.0f) || !std::isfinite(aspect)) {
-    return;
-  }
-  if (aspect >= 1.0f) {
-    glFrustum(-aspect * t, aspect * t, -t, t, kNearPlane, kFarPlane);
-  } else {
-    glFrustum(-t, t, -t / aspect, t / aspect, kNearPlane, kFarPlane);
+  if (const std::optional<FrustumExtent> e = frustumExtent(*v_->trackball)) {
+    glFrustum(-e->right, e->right, -e->top, e->top, kNearPlane, kFarPlane);
   }
 }
 

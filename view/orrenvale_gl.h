@@ -4,8 +4,10 @@
 #include <QOpenGLWidget>
 #include <memory>
 
+#include "body_dragger.h"
 #include "view.h"
 
+class QKeyEvent;
 class QMouseEvent;
 class QTimer;
 class QWheelEvent;
@@ -71,6 +73,10 @@ class OrrenvaleGL : public QOpenGLWidget {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  // Shift shows what a drag would take hold of; Escape ends a body drag,
+  // putting the body back.
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
 
  private:
   void redrawWindow();
@@ -81,6 +87,7 @@ class OrrenvaleGL : public QOpenGLWidget {
   void drawGridLattice(const World& world) const;
   void drawAxisMarker() const;
   void drawBodies(const World& world, bool selecting) const;
+  void drawPredictedPaths(const World& world) const;
 
   // Pointer handlers, fed from Qt's events; Ctrl + left button acts as the
   // right button.
@@ -98,6 +105,15 @@ class OrrenvaleGL : public QOpenGLWidget {
   // with: 24 slices around, 24 stacks from pole to pole.
   void drawUnitSphere() const;
 
+  // Direct manipulation in design mode: Shift and the left button drag a
+  // body in the pan plane, or the tip of its velocity vector. True when a
+  // drag began at p; otherwise the press is an ordinary one.
+  bool beginBodyDrag(Qt::KeyboardModifiers modifiers, QPointF p);
+  std::optional<DragTarget> dragTargetUnder(QPointF p) const;
+  // The pointer shape says what a left drag at the last pointer position
+  // would do: move a body, aim one, or (the arrow) turn the scene.
+  void updatePointerShape(bool shift);
+
   GLUquadric* pObj = nullptr;
   unsigned int sphereList = 0;
   bool fGLInit = false;
@@ -106,4 +122,7 @@ class OrrenvaleGL : public QOpenGLWidget {
   int wheelRemainder_ = 0;
   QTimer* redrawTimer_ = nullptr;
   std::unique_ptr<View> v_;
+  BodyDragger dragger_;
+  // Where the pointer last was over the view, device pixels.
+  QPointF hover_;
 };

@@ -77,6 +77,11 @@ void OrrenvaleGL::mousePressEvent(QMouseEvent* event) {
 }
 
 void OrrenvaleGL::mouseMoveEvent(QMouseEvent* event) {
+  if (event->buttons() == Qt::NoButton) {
+    hover_ = pointerPosition(*event);
+    updatePointerShape(event->modifiers().testFlag(Qt::ShiftModifier));
+    return;
+  }
   if (event->buttons().testFlag(Qt::LeftButton)) {
     mouseDragged(*event);
   }
@@ -114,6 +119,9 @@ void OrrenvaleGL::mouseDown(const QMouseEvent& event) {
     return;
   }
   const QPointF p = pointerPosition(event);
+  if (beginBodyDrag(event.modifiers(), p)) {
+    return;
+  }
   // A click always replaces the selection; on empty space it clears it.
   v_->selectedBodyID = pick(p.x(), p.y());
   if (v_->trackballEnabled) {
@@ -122,6 +130,13 @@ void OrrenvaleGL::mouseDown(const QMouseEvent& event) {
 }
 
 void OrrenvaleGL::mouseDragged(const QMouseEvent& event) {
+  if (dragger_.active()) {
+    if (World* world = hostWorld()) {
+      const QPointF p = pointerPosition(event);
+      dragger_.drag(*v_, *world, p.x(), p.y());
+    }
+    return;
+  }
   if (controlDown(event)) {
     rightMouseDragged(event);
   }
@@ -132,6 +147,16 @@ void OrrenvaleGL::mouseDragged(const QMouseEvent& event) {
 }
 
 void OrrenvaleGL::mouseUp(const QMouseEvent& event) {
+  if (dragger_.active()) {
+    // One record per drag, which the application may keep for undo.
+    const std::optional<BodyDrag> drag = dragger_.end();
+    if (ViewHost* host = viewHost(); host != nullptr && drag) {
+      host->bodyDragged(*drag);
+    }
+    hover_ = pointerPosition(event);
+    updatePointerShape(event.modifiers().testFlag(Qt::ShiftModifier));
+    return;
+  }
   if (controlDown(event)) {
     rightMouseUp(event);
   }
@@ -229,6 +254,6 @@ void OrrenvaleGL::keyDelete() {
   // The selection keeps the deleted identifier, which from now on names no
   // body. The engine tells the application, which drops the body's menu item.
   if (const Body* body = world->findBodyById(v_->selectedBodyID)) {
-    world->deleteBodyById(body->id);
+    viewHost()->deleteBody(body->id);
   }
 }

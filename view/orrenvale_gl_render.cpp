@@ -2,10 +2,13 @@
 // bodies.
 #include <GL/glu.h>
 
+#include <unordered_map>
+
 #include "engine/position_point.h"
 #include "engine/world.h"
 #include "grid_lattice.h"
 #include "orrenvale_gl.h"
+#include "path_predictor.h"
 #include "view_host.h"
 
 namespace {
@@ -14,6 +17,9 @@ namespace {
 // units.
 constexpr float kMarkerLength = 10.0f;
 constexpr float kMarkerWidth = 0.5f;
+// A predicted path is drawn in its body's colour at this brightness: faint
+// against the black sky, and cheap, with no blending.
+constexpr float kPathBrightness = 0.45f;
 
 void vertex(const Vector& p) {
   glVertex3d(p.x, p.y, p.z);
@@ -39,6 +45,9 @@ void OrrenvaleGL::render() {
   }
   const World& world = host->world();
   const View& v = *v_;
+  GLint mode = GL_RENDER;
+  glGetIntegerv(GL_RENDER_MODE, &mode);
+  const bool selecting = mode == GL_SELECT;
   glDisable(GL_LIGHTING);
   if (v.gridlineEnabled) {
     drawGridLattice(world);
@@ -72,10 +81,39 @@ void OrrenvaleGL::render() {
     });
     glEnd();
   }
+  // Picking hits bodies only; the paths are not drawn for it.
+  if (v.showPredictedPaths && !selecting) {
+    drawPredictedPaths(world);
+  }
   glEnable(GL_LIGHTING);
-  GLint mode = GL_RENDER;
-  glGetIntegerv(GL_RENDER_MODE, &mode);
-  drawBodies(world, mode == GL_SELECT);
+  drawBodies(world, selecting);
+}
+
+void OrrenvaleGL::drawPredictedPaths(const World& world) const {
+  const PredictedPaths* predicted = viewHost()->predictedPaths(v_->predictionTime);
+  if (predicted == nullptr) {
+    return;
+  }
+  // The colours are the bodies' own as they are now: a change of colour
+  // does not change where a body goes.
+  std::unordered_map<int32_t, const float*> colors;
+  forEachItem<Body>(*world.bodies, [&](const Body& b) { colors.emplace(b.id, b.color); });
+  const std::size_t samples = predicted->samplesUntil(v_->predictionTime);
+  // Each path is one array draw straight from the samples: thousands of
+  // points cost a handful of calls.
+  glEnableClientState(GL_VERTEX_ARRAY);
+  for (const PredictedPaths::Path& path : predicted->paths) {
+    const auto color = colors.find(path.id);
+    const std::size_t n = std::min(samples, path.points.size());
+    if (color == colors.end() || n < 2) {
+      continue;
+    }
+    const float* c = color->second;
+    glColor3f(c[0] * kPathBrightness, c[1] * kPathBrightness, c[2] * kPathBrightness);
+    glVertexPointer(3, GL_DOUBLE, sizeof(Vector), &path.points.front().x);
+    glDrawArrays(GL_LINE_STRIP, 0, static_cast<GLsizei>(n));
+  }
+  glDisableClientState(GL_VERTEX_ARRAY);
 }
 
 void OrrenvaleGL::drawBodies(const World& world, bool selecting) const {

@@ -40,4 +40,9 @@ class View : public ListStorable {
   int selectedBodyID = 0;
   // Also the window title.
   char name[kNameSize] = {};
+  // In design mode, each body's predicted path for the next predictionTime
+  // units of simulated time is drawn as a faint line in its colour.
+  static constexpr double kDefaultPredictionTime = 1.0;
+  bool showPredictedPaths = false;
+  double predictionTime = kDefaultPredictionTime;
 };

@@ -16,14 +16,6 @@ void expectCamera(const View& v, double eyeZ, double focusZ) {
   EXPECT_DOUBLE_EQ(v.cameraFocus.z, focusZ);
 }
 
-// A drag event with the buttons still held, as the window system sends it.
-void moveWithButtons(QWidget& w, QPoint to, Qt::MouseButtons buttons,
-                     Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-  QMouseEvent move(QEvent::MouseMove, QPointF(to), w.mapToGlobal(QPointF(to)), Qt::NoButton,
-                   buttons, modifiers);
-  QCoreApplication::sendEvent(&w, &move);
-}
-
 void wheel(QWidget& w, int angleDelta) {
   const QPointF at(w.width() / 2.0, w.height() / 2.0);
   QWheelEvent event(at, w.mapToGlobal(at), QPoint(), QPoint(0, angleDelta), Qt::NoButton,

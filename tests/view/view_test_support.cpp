@@ -1,5 +1,7 @@
 #include "view_test_support.h"
 
+#include <QCoreApplication>
+#include <QMouseEvent>
 #include <QtTest/QTest>
 #include <cstdlib>
 
@@ -22,6 +24,12 @@ Body* ViewFixture::addBody(const Vector& position, double radius, float r, float
   body->color[1] = g;
   body->color[2] = b;
   return body;
+}
+
+void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
+                     Qt::KeyboardModifiers modifiers) {
+  QMouseEvent move(QEvent::MouseMove, to, w.mapToGlobal(to), Qt::NoButton, buttons, modifiers);
+  QCoreApplication::sendEvent(&w, &move);
 }
 
 PixelTest pureRed() {

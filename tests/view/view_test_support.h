@@ -10,6 +10,7 @@
 
 #include "engine/world.h"
 #include "view/orrenvale_gl.h"
+#include "view/path_predictor.h"
 #include "view/view_host.h"
 
 // The application's side of the views, as small as the tests need it.
@@ -18,9 +19,17 @@ class TestHost : public ViewHost {
   World& world() override { return world_; }
   int panType() const override { return panType_; }
   bool running() const override { return false; }
+  bool editing() const override { return editing_; }
+  void bodyDragged(const BodyDrag& drag) override { drags.push_back(drag); }
+  const PredictedPaths* predictedPaths(double horizon) override {
+    return predictor.paths(world_, horizon);
+  }
 
   World world_;
   int panType_ = kPanTypeXY;
+  bool editing_ = false;
+  std::vector<BodyDrag> drags;
+  PathPredictor predictor;
 };
 
 // Installs a host with a fresh world and opens real view windows on it.
@@ -40,6 +49,11 @@ class ViewFixture : public ::testing::Test {
   TestHost host;
   std::vector<std::unique_ptr<OrrenvaleGL>> views;
 };
+
+// A pointer move as the window system sends it, with the buttons still held
+// during a drag (or none while hovering).
+void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
+                     Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 // Pixel classification on captured images.
 using PixelTest = std::function<bool(QRgb)>;

@@ -1,0 +1,179 @@
+#include <GL/glu.h>
+
+#include <QKeyEvent>
+#include <QtTest/QTest>
+
+#include "view/view_ray.h"
+#include "view_test_support.h"
+
+namespace {
+
+// The pixel where a world point is drawn, in the view's own coordinates.
+QPointF pixelOf(const OrrenvaleGL& gl, const Vector& p) {
+  const std::optional<PixelPoint> at = projectToView(*gl.view(), p);
+  EXPECT_TRUE(at);
+  return at ? QPointF(at->x, at->yTop) / gl.devicePixelRatio() : QPointF();
+}
+
+// A left drag in five moves, with the modifiers held throughout.
+void leftDrag(OrrenvaleGL& gl, QPointF from, QPointF to, Qt::KeyboardModifiers modifiers) {
+  QTest::mousePress(&gl, Qt::LeftButton, modifiers, from.toPoint());
+  for (int i = 1; i <= 5; ++i) {
+    moveWithButtons(gl, from + (to - from) * i / 5, Qt::LeftButton, modifiers);
+  }
+  QTest::mouseRelease(&gl, Qt::LeftButton, modifiers, to.toPoint());
+}
+
+double axis(const Vector& v, int a) {
+  return a == 0 ? v.x : a == 1 ? v.y : v.z;
+}
+
+class DirectManipulation : public ViewFixture {
+ protected:
+  void SetUp() override {
+    ViewFixture::SetUp();
+    host.editing_ = true;
+  }
+};
+
+// The pixel geometry of the drags is OpenGL's own: gluProject with the
+// matrices of the frame just drawn lands where projectToView says, and the
+// pointer's ray passes through the point it came from.
+TEST_F(DirectManipulation, PixelGeometryIsTheFramesOwn) {
+  for (const QSize size : {QSize(400, 250), QSize(250, 400)}) {
+    OrrenvaleGL& gl = openView(size.width(), size.height());
+    View& v = *gl.view();
+    v.cameraPosition = Vector::of(50, 120, 300);
+    v.cameraFocus = Vector::of(10, -20, 5);
+    v.trackball->rotation.setRollPitchYaw(0.3, -0.5, 0.2);
+    gl.captureView();
+    gl.makeCurrent();
+    GLdouble model[16];
+    GLdouble projection[16];
+    GLint viewport[4];
+    glGetDoublev(GL_MODELVIEW_MATRIX, model);
+    glGetDoublev(GL_PROJECTION_MATRIX, projection);
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    const Vector p = Vector::of(-30, 40, 25);
+    GLdouble wx = 0;
+    GLdouble wy = 0;
+    GLdouble wz = 0;
+    ASSERT_TRUE(gluProject(p.x, p.y, p.z, model, projection, viewport, &wx, &wy, &wz));
+    gl.doneCurrent();
+    const std::optional<PixelPoint> at = projectToView(v, p);
+    ASSERT_TRUE(at);
+    // The frustum and the matrices are single precision inside OpenGL:
+    // within a thousandth of a pixel.
+    EXPECT_NEAR(at->x, wx, 1e-3);
+    EXPECT_NEAR(at->yTop, viewport[3] - wy, 1e-3);
+    const std::optional<Ray> ray = pointerRay(v, at->x, at->yTop);
+    ASSERT_TRUE(ray);
+    const Vector d = p - ray->origin;
+    EXPECT_LT(cross(d, ray->direction).length() / (d.length() * ray->direction.length()), 1e-9);
+  }
+}
+
+struct PlaneCase {
+  const char* name;
+  int panType;
+  Vector camera;
+  int fixedAxis;
+};
+
+class ShiftDrag : public DirectManipulation, public ::testing::WithParamInterface<PlaneCase> {};
+
+// The body follows the pointer in the pan plane through the grabbed point:
+// it ends under the pointer, and the component across the plane keeps its
+// bits. The drag is reported once, when it ends.
+TEST_P(ShiftDrag, MovesTheBodyInThePanPlaneOnly) {
+  const PlaneCase c = GetParam();
+  host.panType_ = c.panType;
+  Body* body = addBody(Vector::of(20, 10, 5), 15.0, 1.0f, 0.0f, 0.0f);
+  const Vector start = body->position;
+  OrrenvaleGL& gl = openView(300, 300);
+  gl.view()->cameraPosition = c.camera;
+  gl.captureView();
+  const QPointF from = pixelOf(gl, start);
+  const QPointF to = from + QPointF(30, -25);
+  leftDrag(gl, from, to, Qt::ShiftModifier);
+
+  EXPECT_EQ(axis(body->position, c.fixedAxis), axis(start, c.fixedAxis));
+  EXPECT_FALSE(sameBits(body->position, start));
+  EXPECT_EQ(gl.view()->selectedBodyID, body->id);
+  EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
+  gl.captureView();
+  EXPECT_EQ(gl.pick(to.x(), to.y()), body->id);
+  ASSERT_EQ(host.drags.size(), 1u);
+  EXPECT_EQ(host.drags[0].kind, BodyDrag::Kind::Move);
+  EXPECT_TRUE(sameBits(host.drags[0].before, start));
+  EXPECT_TRUE(sameBits(host.drags[0].after, body->position));
+}
+
+INSTANTIATE_TEST_SUITE_P(Planes, ShiftDrag,
+                         ::testing::Values(PlaneCase{"XY", kPanTypeXY, Vector::of(0, 0, 400), 2},
+                                           PlaneCase{"XZ", kPanTypeXZ, Vector::of(0, 300, 300), 1},
+                                           PlaneCase{"YZ", kPanTypeYZ, Vector::of(300, 0, 300), 0}),
+                         [](const auto& p) { return std::string(p.param.name); });
+
+// The tip of the velocity vector is drawn at position + velocity; dragging it
+// sets the velocity in the pan plane and keeps the component across it.
+TEST_F(DirectManipulation, DraggingTheVelocityTipSetsTheVelocity) {
+  Body* body = addBody(Vector(), 10.0, 1.0f, 0.0f, 0.0f);
+  body->velocity = Vector::of(80, 0, -3);
+  OrrenvaleGL& gl = openView(300, 300);
+  gl.captureView();
+  const QPointF tip = pixelOf(gl, body->velocity);
+  moveWithButtons(gl, tip, Qt::NoButton, Qt::ShiftModifier);
+  EXPECT_EQ(gl.cursor().shape(), Qt::CrossCursor);
+  moveWithButtons(gl, pixelOf(gl, body->position), Qt::NoButton, Qt::ShiftModifier);
+  EXPECT_EQ(gl.cursor().shape(), Qt::OpenHandCursor);
+  moveWithButtons(gl, QPointF(10, 10), Qt::NoButton, Qt::ShiftModifier);
+  EXPECT_EQ(gl.cursor().shape(), Qt::ArrowCursor);
+
+  leftDrag(gl, tip, tip + QPointF(0, -40), Qt::ShiftModifier);
+  EXPECT_EQ(body->velocity.z, -3.0);
+  EXPECT_GT(body->velocity.y, 10.0);
+  // The pointer moved straight up: x changes only by the rounding of the
+  // pixel position (far below a thousandth of a world unit here).
+  EXPECT_NEAR(body->velocity.x, 80.0, 1e-3);
+  EXPECT_TRUE(sameBits(body->position, Vector()));
+  ASSERT_EQ(host.drags.size(), 1u);
+  EXPECT_EQ(host.drags[0].kind, BodyDrag::Kind::Aim);
+  EXPECT_TRUE(sameBits(host.drags[0].after, body->velocity));
+}
+
+// Without Shift, or outside design mode, a left drag over a body turns the
+// scene as it always has, and moves nothing; the pointer stays an arrow.
+TEST_F(DirectManipulation, WithoutShiftOrOutsideDesignModeTheDragTurnsTheScene) {
+  Body* body = addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(300, 300);
+  for (const bool designing : {true, false}) {
+    host.editing_ = designing;
+    const Qt::KeyboardModifiers modifiers = designing ? Qt::NoModifier : Qt::ShiftModifier;
+    gl.view()->trackball->rotation = Quaternion(1, 0, 0, 0);
+    gl.captureView();
+    moveWithButtons(gl, QPointF(150, 150), Qt::NoButton, modifiers);
+    EXPECT_EQ(gl.cursor().shape(), Qt::ArrowCursor);
+    leftDrag(gl, QPointF(150, 150), QPointF(200, 150), modifiers);
+    EXPECT_TRUE(sameBits(body->position, Vector()));
+    EXPECT_LT(gl.view()->trackball->rotation.w, 1.0);
+    EXPECT_EQ(gl.view()->selectedBodyID, body->id);
+  }
+  EXPECT_TRUE(host.drags.empty());
+}
+
+TEST_F(DirectManipulation, EscapeEndsADragWithTheBodyBackInPlace) {
+  Body* body = addBody(Vector::of(1, 2, 3), 30.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(300, 300);
+  gl.captureView();
+  const QPointF from = pixelOf(gl, body->position);
+  QTest::mousePress(&gl, Qt::LeftButton, Qt::ShiftModifier, from.toPoint());
+  moveWithButtons(gl, from + QPointF(50, 0), Qt::LeftButton, Qt::ShiftModifier);
+  EXPECT_NE(body->position.x, 1.0);
+  QTest::keyClick(&gl, Qt::Key_Escape, Qt::ShiftModifier);
+  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::ShiftModifier, (from + QPointF(50, 0)).toPoint());
+  EXPECT_TRUE(sameBits(body->position, Vector::of(1, 2, 3)));
+  EXPECT_TRUE(host.drags.empty());
+}
+
+}  // namespace
