@@ -1,6 +1,7 @@
 #include "view_state.h"
 
 #include <QLatin1String>
+#include <span>
 
 #include "engine/quaternion.h"
 #include "view/view.h"
@@ -75,6 +76,34 @@ const ViewKey kViewKeys[] = {
      [](View&, ViewDictExtras& e) -> void* { return &e.name; }},
 };
 
+// The predicted-path settings, written after the others and only when a
+// view uses them, so that the datafiles of views that never showed predicted
+// paths keep exactly the keys they always had. The design state keeps them
+// this way across a run.
+const ViewKey kPredictionKeys[] = {
+    {QLatin1String("Show predicted paths"), Kind::Flag,
+     [](View& v, ViewDictExtras&) -> void* { return &v.showPredictedPaths; }},
+    {QLatin1String("Prediction time"), Kind::Real,
+     [](View& v, ViewDictExtras&) -> void* { return &v.predictionTime; }},
+};
+
+bool usesPrediction(const View& v) {
+  return v.showPredictedPaths || !sameBits(v.predictionTime, View::kDefaultPredictionTime);
+}
+
+// The entry of either table with the given key, or null.
+const ViewKey* findKey(const QString& key) {
+  for (const auto& table :
+       {std::span<const ViewKey>(kViewKeys), std::span<const ViewKey>(kPredictionKeys)}) {
+    for (const ViewKey& entry : table) {
+      if (key == entry.key) {
+        return &entry;
+      }
+    }
+  }
+  return nullptr;
+}
+
 PlistValue valueOf(Kind kind, void* field) {
   switch (kind) {
     case Kind::Real:
@@ -146,17 +175,19 @@ PlistDict writeViewDict(const View& view) {
   for (const ViewKey& entry : kViewKeys) {
     d.insert(entry.key, valueOf(entry.kind, entry.field(v, extras)));
   }
+  if (usesPrediction(v)) {
+    for (const ViewKey& entry : kPredictionKeys) {
+      d.insert(entry.key, valueOf(entry.kind, entry.field(v, extras)));
+    }
+  }
   return d;
 }
 
 ViewDictExtras applyViewDict(View& v, const PlistDict& dict) {
   ViewDictExtras extras;
   for (const PlistEntry& entry : dict.entries()) {
-    for (const ViewKey& key : kViewKeys) {
-      if (entry.key == key.key) {
-        apply(key.kind, key.field(v, extras), entry.value);
-        break;
-      }
+    if (const ViewKey* key = findKey(entry.key)) {
+      apply(key->kind, key->field(v, extras), entry.value);
     }
   }
   return extras;

@@ -99,32 +99,38 @@ void BodyWindowController::setValues(QObject* sender) {
   if (host == nullptr || host->currentView() == nullptr) {
     return;
   }
-  Body* body = inspectedBody();
-  if (body != nullptr && !readVectorComponent(sender, px_, py_, pz_, body->position) &&
-      !readVectorComponent(sender, vx_, vy_, vz_, body->velocity) &&
-      !readVectorComponent(sender, ax_, ay_, az_, body->acceleration)) {
-    if (sender == radius_) {
-      body->radius = readReal(radius_->text());
-    } else if (sender == mass_) {
-      body->mass = readReal(mass_->text());
-    } else if (sender == color_) {
-      const std::array<float, 3> rgb = color_->components();
-      std::copy(rgb.begin(), rgb.end(), body->color);
-    } else if (sender == traceenable_) {
-      readFlag(traceenable_, "tracetrue", "tracefalse", body->traceEnable);
-    } else if (sender == vectorenable_) {
-      readFlag(vectorenable_, "vectortrue", "vectorfalse", body->showVectors);
-    } else if (sender == name_) {
-      // The controller renames the body's Body-menu item and the body.
-      host->worldRenameBody(body, name_->text().toStdString());
-    }
+  if (Body* body = inspectedBody()) {
+    host->commitBodyEdit(*body, [&] { writeField(*body, sender); });
   }
   getValues();
 }
 
+void BodyWindowController::writeField(Body& body, QObject* sender) {
+  if (readVectorComponent(sender, px_, py_, pz_, body.position) ||
+      readVectorComponent(sender, vx_, vy_, vz_, body.velocity) ||
+      readVectorComponent(sender, ax_, ay_, az_, body.acceleration)) {
+    return;
+  }
+  if (sender == radius_) {
+    body.radius = readReal(radius_->text());
+  } else if (sender == mass_) {
+    body.mass = readReal(mass_->text());
+  } else if (sender == color_) {
+    const std::array<float, 3> rgb = color_->components();
+    std::copy(rgb.begin(), rgb.end(), body.color);
+  } else if (sender == traceenable_) {
+    readFlag(traceenable_, "tracetrue", "tracefalse", body.traceEnable);
+  } else if (sender == vectorenable_) {
+    readFlag(vectorenable_, "vectortrue", "vectorfalse", body.showVectors);
+  } else if (sender == name_) {
+    // The controller renames the body's Body-menu item and the body.
+    paletteHost()->worldRenameBody(&body, name_->text().toStdString());
+  }
+}
+
 void BodyWindowController::clickDelete(QObject*) {
   if (const Body* body = inspectedBody()) {
-    paletteHost()->world().deleteBodyById(body->id);
+    paletteHost()->deleteBody(body->id);
     // The view keeps its selection; the palette empties at once rather than
     // at the next refresh.
     getValues();

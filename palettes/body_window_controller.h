@@ -30,6 +30,8 @@ class BodyWindowController : public PaletteController {
 
  private:
   void buildWindow();
+  // Writes the committed control's value into the body.
+  void writeField(Body& body, QObject* sender);
   // The body selected in the main window's view, or null.
   static Body* inspectedBody();
 

@@ -1,5 +1,13 @@
 #include "palettes/palette_host.h"
 
+void PaletteHost::commitBodyEdit(Body& /*body*/, const std::function<void()>& apply) {
+  apply();
+}
+
+void PaletteHost::commitWorldEdit(const std::function<void()>& apply) {
+  apply();
+}
+
 PaletteHost* paletteHost() {
   return dynamic_cast<PaletteHost*>(viewHost());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "view/view_host.h"
@@ -19,7 +20,6 @@ class World;
 // else keeps a pointer to the controller.
 class PaletteHost : public ViewHost {
  public:
-  virtual bool editing() const = 0;
   // The dialogs of the program (tests answer them from a script).
   virtual Panels* panels() = 0;
 
@@ -38,6 +38,15 @@ class PaletteHost : public ViewHost {
   // Retitles the body's Body-menu item and copies the name into the body;
   // does nothing when no item carries the body's current name.
   virtual void worldRenameBody(Body* body, std::string_view newName) = 0;
+
+  // The palettes' changes to the world. A commit to the inspected body or to
+  // the simulation parameters runs in apply, which writes the model as the
+  // palette always has (a body's name through worldRenameBody); the body
+  // palette's delete button uses deleteBody. By default these act on the
+  // world directly; the application overrides them to record what changed
+  // for undo while the world is being designed (editing()).
+  virtual void commitBodyEdit(Body& body, const std::function<void()>& apply);
+  virtual void commitWorldEdit(const std::function<void()>& apply);
 
   // Palette toggles. A palette whose window is closing passes itself as the
   // sender, so the controller does not close the window a second time.

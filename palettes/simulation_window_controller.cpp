@@ -150,14 +150,18 @@ void SimulationWindowController::setValues(QObject* sender) {
   if (host == nullptr) {
     return;
   }
-  World& w = host->world();
+  host->commitWorldEdit([&] { commitParameter(host->world(), sender); });
+  getValues();
+}
+
+void SimulationWindowController::commitParameter(World& w, QObject* sender) {
   if (sender == e_) {
     w.restitution = readReal(e_->text());
   } else if (sender == g_) {
     w.gravitationalConstant = readReal(g_->text());
   } else if (sender == speed_) {
     // The controller bounds the speed, stores it and re-arms a running clock.
-    host->setWorldSpeed(static_cast<float>(readReal(speed_->text())));
+    paletteHost()->setWorldSpeed(static_cast<float>(readReal(speed_->text())));
   } else if (sender == timestep_) {
     w.timeStep = readReal(timestep_->text());
   } else if (sender == name_) {
@@ -169,7 +173,6 @@ void SimulationWindowController::setValues(QObject* sender) {
   } else if (sender == collisiontype_) {
     commitCollisionModel();
   }
-  getValues();
 }
 
 void SimulationWindowController::commitCollisionModel() {

@@ -5,6 +5,7 @@
 class QComboBox;
 class QLineEdit;
 class QPushButton;
+class World;
 
 // The simulation palette: the world's parameters, its conserved quantities
 // and elapsed time, and the buttons that run, step, enter design mode and
@@ -36,6 +37,8 @@ class SimulationWindowController : public PaletteController {
 
  private:
   void buildWindow();
+  // Writes the committed control's value into the world.
+  void commitParameter(World& w, QObject* sender);
   void commitCollisionModel();
 
   QLineEdit* name_ = nullptr;

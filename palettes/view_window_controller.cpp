@@ -38,6 +38,9 @@ void ViewWindowController::buildWindow() {
   gridcolor_ = makeColorWell("gridcolor");
   traceenable_ = makePopUp("traceenable", {{"tracetrue", tr("On")}, {"tracefalse", tr("Off")}});
   vectors_ = makePopUp("vectors", {{"vtrue", tr("On")}, {"vfalse", tr("Off")}});
+  predictpaths_ =
+      makePopUp("predictpaths", {{"predicttrue", tr("On")}, {"predictfalse", tr("Off")}});
+  predicttime_ = makeTextField("predicttime");
 
   auto* form = new QFormLayout;
   form->addRow(tr("View name"), name_);
@@ -53,6 +56,8 @@ void ViewWindowController::buildWindow() {
   form->addRow(tr("Grid colour"), gridcolor_);
   form->addRow(tr("Traces"), traceenable_);
   form->addRow(tr("Vectors"), vectors_);
+  form->addRow(tr("Predicted paths"), predictpaths_);
+  form->addRow(tr("Prediction time"), predicttime_);
   windowLayout()->addLayout(form);
 }
 
@@ -64,8 +69,10 @@ void ViewWindowController::windowWillClose() {
 
 void ViewWindowController::setCEnabled(bool enabled) {
   for (QWidget* control : std::initializer_list<QWidget*>{
-           cx_, cy_, cz_, fx_, fy_, fz_, gridcolor_, gridenable_, gridspacing_, name_, tp_, tr_,
-           trackball_, ty_, type_, traceenable_, vectors_, bodytotrack_, autodistance_}) {
+           cx_,           cy_,           cz_,          fx_,          fy_,      fz_,
+           gridcolor_,    gridenable_,   gridspacing_, name_,        tp_,      tr_,
+           trackball_,    ty_,           type_,        traceenable_, vectors_, bodytotrack_,
+           autodistance_, predictpaths_, predicttime_}) {
     setControlEnabled(control, enabled);
   }
 }
@@ -92,6 +99,8 @@ void ViewWindowController::getValues() {
   showFlag(gridenable_, v->gridlineEnabled, "gridtrue", "gridfalse");
   showFlag(traceenable_, v->showTraceLines, "tracetrue", "tracefalse");
   showFlag(vectors_, v->showVectors, "vtrue", "vfalse");
+  showFlag(predictpaths_, v->showPredictedPaths, "predicttrue", "predictfalse");
+  showText(predicttime_, formatReal(v->predictionTime));
   gridcolor_->setComponents(v->gridlineColor);
 
   if (QWidget* viewWindow = host->currentViewWindow()) {
@@ -173,5 +182,9 @@ void ViewWindowController::commitSetting(View& v, QObject* sender) {
     }
   } else if (sender == autodistance_) {
     v.cameraAutodistance = readReal(autodistance_->text());
+  } else if (sender == predictpaths_) {
+    readFlag(predictpaths_, "predicttrue", "predictfalse", v.showPredictedPaths);
+  } else if (sender == predicttime_) {
+    v.predictionTime = readReal(predicttime_->text());
   }
 }

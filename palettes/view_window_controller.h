@@ -50,4 +50,6 @@ class ViewWindowController : public PaletteController {
   ColorWell* gridcolor_ = nullptr;
   QComboBox* traceenable_ = nullptr;
   QComboBox* vectors_ = nullptr;
+  QComboBox* predictpaths_ = nullptr;
+  QLineEdit* predicttime_ = nullptr;
 };

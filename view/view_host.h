@@ -30,7 +30,7 @@ class ViewHost {
   // Design mode: bodies can be dragged, and predicted paths are shown.
   virtual bool editing() const { return false; }
 
-  // The view's delete command.
+  // The view's delete command and the body palette's delete button.
   virtual void deleteBody(int32_t id);
   // A drag has ended; the body already holds the new position or velocity.
   virtual void bodyDragged(const BodyDrag& /*drag*/) {}

@@ -198,7 +198,8 @@ TEST_F(ViewPalette, DisablingEmptiesEveryControlAndNoViewLeavesThemAlone) {
     EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
     ++controls;
   }
-  EXPECT_EQ(controls, 19);
+  // Nineteen for the camera and display settings, two for predicted paths.
+  EXPECT_EQ(controls, 21);
 
   // A commit without a main view does nothing at all.
   palette.setCEnabled(true);
