@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <vector>
 
 #include "engine/world.h"
 
@@ -12,8 +14,121 @@ QString tr(const char* text) {
   return QCoreApplication::translate("EditValues", text);
 }
 
-bool sameColor(const std::array<float, 3>& a, const std::array<float, 3>& b) {
+// Bit for bit, as an exact undo needs.
+bool same(double a, double b) {
+  return sameBits(a, b);
+}
+bool same(const Vector& a, const Vector& b) {
+  return sameBits(a, b);
+}
+bool same(float a, float b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+bool same(bool a, bool b) {
+  return a == b;
+}
+bool same(int32_t a, int32_t b) {
+  return a == b;
+}
+template <std::size_t N>
+bool same(const std::array<float, N>& a, const std::array<float, N>& b) {
   return std::memcmp(a.data(), b.data(), sizeof a) == 0;
+}
+bool same(const std::array<char, kNameSize>& a, const std::array<char, kNameSize>& b) {
+  return std::string_view(a.data()) == std::string_view(b.data());
+}
+
+// One editable field: its bit, its name in titles, and how the state
+// compares and goes back into the model.
+template <typename State, typename Model>
+struct Slot {
+  unsigned field;
+  const char* title;
+  std::function<bool(const State&, const State&)> same;
+  std::function<void(const State&, Model&)> apply;
+};
+
+// A field that the state and the model hold as the same type.
+template <typename State, typename Model, typename T>
+Slot<State, Model> member(unsigned field, const char* title, T State::*s, T Model::*m) {
+  return {field, title, [s](const State& a, const State& b) { return same(a.*s, b.*s); },
+          [s, m](const State& state, Model& model) { model.*m = state.*s; }};
+}
+
+// A field the caller puts back itself (a body's name, which has to pass
+// through the rename that keeps the Body menu in step).
+template <typename State, typename Model, typename T>
+Slot<State, Model> compared(unsigned field, const char* title, T State::*s) {
+  return {field, title, [s](const State& a, const State& b) { return same(a.*s, b.*s); },
+          [](const State&, Model&) {}};
+}
+
+const std::vector<Slot<BodyState, Body>>& bodySlots() {
+  using State = BodyState;
+  static const std::vector<Slot<State, Body>> table = {
+      member(kBodyPosition, "Position", &State::position, &Body::position),
+      member(kBodyVelocity, "Velocity", &State::velocity, &Body::velocity),
+      member(kBodyAcceleration, "Acceleration", &State::acceleration, &Body::acceleration),
+      member(kBodyMass, "Mass", &State::mass, &Body::mass),
+      member(kBodyRadius, "Radius", &State::radius, &Body::radius),
+      {kBodyColor, "Colour", [](const State& a, const State& b) { return same(a.color, b.color); },
+       [](const State& s, Body& b) { std::copy(s.color.begin(), s.color.end(), b.color); }},
+      member(kBodyTrace, "Trace", &State::traceEnable, &Body::traceEnable),
+      member(kBodyVectors, "Vectors", &State::showVectors, &Body::showVectors),
+      compared<State, Body>(kBodyName, "Name", &State::name),
+  };
+  return table;
+}
+
+const std::vector<Slot<WorldParameters, World>>& worldSlots() {
+  using Params = WorldParameters;
+  static const std::vector<Slot<Params, World>> table = {
+      {kWorldName, "Name", [](const Params& a, const Params& b) { return same(a.name, b.name); },
+       [](const Params& p, World& w) { w.setName(p.name.data()); }},
+      member(kWorldTimeStep, "Time Step", &Params::timeStep, &World::timeStep),
+      member(kWorldGravitationalConstant, "Gravitational Constant", &Params::gravitationalConstant,
+             &World::gravitationalConstant),
+      member(kWorldRestitution, "Restitution", &Params::restitution, &World::restitution),
+      member(kWorldMerge, "Collision Model", &Params::merge, &World::merge),
+      member(kWorldAdaptive, "Adaptive Time Stepping", &Params::adaptive, &World::adaptive),
+      // Edits are recorded in design mode only, where the clock never runs:
+      // the speed needs no re-arming, and the value kept is the bounded one.
+      member(kWorldSpeed, "Milliseconds per Update", &Params::millisecondsPerUpdate,
+             &World::millisecondsPerUpdate),
+      member(kWorldTraceHistory, "Trace History Points", &Params::traceHistoryPoints,
+             &World::traceHistoryPoints),
+  };
+  return table;
+}
+
+template <typename State, typename Model>
+unsigned changed(const std::vector<Slot<State, Model>>& table, const State& a, const State& b) {
+  unsigned fields = 0;
+  for (const Slot<State, Model>& slot : table) {
+    fields |= slot.same(a, b) ? 0u : slot.field;
+  }
+  return fields;
+}
+
+template <typename State, typename Model>
+void apply(const std::vector<Slot<State, Model>>& table, const State& state, unsigned fields,
+           Model& model) {
+  for (const Slot<State, Model>& slot : table) {
+    if (fields & slot.field) {
+      slot.apply(state, model);
+    }
+  }
+}
+
+// The title of exactly one field; empty for several or none.
+template <typename State, typename Model>
+QString title(const std::vector<Slot<State, Model>>& table, unsigned fields) {
+  for (const Slot<State, Model>& slot : table) {
+    if (fields == slot.field) {
+      return tr(slot.title);
+    }
+  }
+  return {};
 }
 
 }  // namespace
@@ -34,62 +149,15 @@ BodyState BodyState::of(const Body& body) {
 }
 
 unsigned changedBodyFields(const BodyState& a, const BodyState& b) {
-  unsigned fields = 0;
-  const auto mark = [&fields](bool same, unsigned field) { fields |= same ? 0u : field; };
-  mark(sameBits(a.position, b.position), kBodyPosition);
-  mark(sameBits(a.velocity, b.velocity), kBodyVelocity);
-  mark(sameBits(a.acceleration, b.acceleration), kBodyAcceleration);
-  mark(sameBits(a.mass, b.mass), kBodyMass);
-  mark(sameBits(a.radius, b.radius), kBodyRadius);
-  mark(sameColor(a.color, b.color), kBodyColor);
-  mark(a.traceEnable == b.traceEnable, kBodyTrace);
-  mark(a.showVectors == b.showVectors, kBodyVectors);
-  mark(a.nameView() == b.nameView(), kBodyName);
-  return fields;
+  return changed(bodySlots(), a, b);
 }
 
 void applyBodyFields(const BodyState& s, unsigned fields, Body& body) {
-  if (fields & kBodyPosition)
-    body.position = s.position;
-  if (fields & kBodyVelocity)
-    body.velocity = s.velocity;
-  if (fields & kBodyAcceleration)
-    body.acceleration = s.acceleration;
-  if (fields & kBodyMass)
-    body.mass = s.mass;
-  if (fields & kBodyRadius)
-    body.radius = s.radius;
-  if (fields & kBodyColor)
-    std::copy(s.color.begin(), s.color.end(), body.color);
-  if (fields & kBodyTrace)
-    body.traceEnable = s.traceEnable;
-  if (fields & kBodyVectors)
-    body.showVectors = s.showVectors;
+  apply(bodySlots(), s, fields, body);
 }
 
 QString bodyFieldTitle(unsigned fields) {
-  switch (fields) {
-    case kBodyPosition:
-      return tr("Position");
-    case kBodyVelocity:
-      return tr("Velocity");
-    case kBodyAcceleration:
-      return tr("Acceleration");
-    case kBodyMass:
-      return tr("Mass");
-    case kBodyRadius:
-      return tr("Radius");
-    case kBodyColor:
-      return tr("Colour");
-    case kBodyTrace:
-      return tr("Trace");
-    case kBodyVectors:
-      return tr("Vectors");
-    case kBodyName:
-      return tr("Name");
-    default:
-      return {};
-  }
+  return title(bodySlots(), fields);
 }
 
 WorldParameters WorldParameters::of(const World& world) {
@@ -106,62 +174,21 @@ WorldParameters WorldParameters::of(const World& world) {
 }
 
 unsigned changedWorldFields(const WorldParameters& a, const WorldParameters& b) {
-  unsigned fields = 0;
-  const auto mark = [&fields](bool same, unsigned field) { fields |= same ? 0u : field; };
-  mark(std::string_view(a.name.data()) == std::string_view(b.name.data()), kWorldName);
-  mark(sameBits(a.timeStep, b.timeStep), kWorldTimeStep);
-  mark(sameBits(a.gravitationalConstant, b.gravitationalConstant), kWorldGravitationalConstant);
-  mark(sameBits(a.restitution, b.restitution), kWorldRestitution);
-  mark(a.merge == b.merge, kWorldMerge);
-  mark(a.adaptive == b.adaptive, kWorldAdaptive);
-  mark(std::memcmp(&a.millisecondsPerUpdate, &b.millisecondsPerUpdate, sizeof(float)) == 0,
-       kWorldSpeed);
-  mark(a.traceHistoryPoints == b.traceHistoryPoints, kWorldTraceHistory);
-  return fields;
+  return changed(worldSlots(), a, b);
 }
 
 void applyWorldFields(const WorldParameters& p, unsigned fields, World& world) {
-  if (fields & kWorldName)
-    world.setName(p.name.data());
-  if (fields & kWorldTimeStep)
-    world.timeStep = p.timeStep;
-  if (fields & kWorldGravitationalConstant)
-    world.gravitationalConstant = p.gravitationalConstant;
-  if (fields & kWorldRestitution)
-    world.restitution = p.restitution;
-  if (fields & kWorldMerge)
-    world.merge = p.merge;
-  if (fields & kWorldAdaptive)
-    world.adaptive = p.adaptive;
-  // Edits are recorded in design mode only, where the clock never runs: the
-  // speed needs no re-arming, and the value kept is the bounded one.
-  if (fields & kWorldSpeed)
-    world.millisecondsPerUpdate = p.millisecondsPerUpdate;
-  if (fields & kWorldTraceHistory)
-    world.traceHistoryPoints = p.traceHistoryPoints;
+  apply(worldSlots(), p, fields, world);
 }
 
 QString worldEditTitle(unsigned fields) {
   // The collision model is the pair of merge and restitution.
   if (fields & kWorldMerge) {
-    return tr("Change Collision Model");
+    fields = kWorldMerge;
   }
-  switch (fields) {
-    case kWorldName:
-      return tr("Rename World");
-    case kWorldTimeStep:
-      return tr("Change Time Step");
-    case kWorldGravitationalConstant:
-      return tr("Change Gravitational Constant");
-    case kWorldRestitution:
-      return tr("Change Restitution");
-    case kWorldAdaptive:
-      return tr("Change Adaptive Time Stepping");
-    case kWorldSpeed:
-      return tr("Change Milliseconds per Update");
-    case kWorldTraceHistory:
-      return tr("Change Trace History Points");
-    default:
-      return tr("Change Simulation Parameters");
+  if (fields == kWorldName) {
+    return tr("Rename World");
   }
+  const QString field = title(worldSlots(), fields);
+  return field.isEmpty() ? tr("Change Simulation Parameters") : tr("Change %1").arg(field);
 }

@@ -50,8 +50,8 @@ unsigned changedBodyFields(const BodyState& a, const BodyState& b);
 // Writes the given fields of the state into the body; the name is left to
 // the caller, whose rename keeps the Body menu in step.
 void applyBodyFields(const BodyState& state, unsigned fields, Body& body);
-// The name of one field as an undo title shows it ("Mass"); empty for
-// several.
+// The name of exactly one field as an undo title shows it ("Mass"); empty
+// for several.
 QString bodyFieldTitle(unsigned fields);
 
 // The world's simulation parameters, as the simulation palette edits them.

@@ -25,23 +25,17 @@ std::optional<CameraAxes> cameraAxes(const View& v) {
 }
 
 // The trackball matrix M turns world points into points of the camera's
-// frame; M is a rotation, so its transpose turns them back.
-Vector toFrame(const View& v, const Vector& p) {
+// frame (toFrame); M is a rotation, so its transpose turns them back.
+Vector rotate(const View& v, const Vector& p, bool toFrame) {
   if (!v.trackballEnabled) {
     return p;
   }
+  // Column-major: row r, column c of M is m[4c + r].
   const auto m = v.trackball->glMatrix();
-  return Vector::of(m[0] * p.x + m[4] * p.y + m[8] * p.z, m[1] * p.x + m[5] * p.y + m[9] * p.z,
-                    m[2] * p.x + m[6] * p.y + m[10] * p.z);
-}
-
-Vector fromFrame(const View& v, const Vector& p) {
-  if (!v.trackballEnabled) {
-    return p;
-  }
-  const auto m = v.trackball->glMatrix();
-  return Vector::of(m[0] * p.x + m[1] * p.y + m[2] * p.z, m[4] * p.x + m[5] * p.y + m[6] * p.z,
-                    m[8] * p.x + m[9] * p.y + m[10] * p.z);
+  const auto at = [&m, toFrame](int r, int c) { return toFrame ? m[4 * c + r] : m[4 * r + c]; };
+  return Vector::of(at(0, 0) * p.x + at(0, 1) * p.y + at(0, 2) * p.z,
+                    at(1, 0) * p.x + at(1, 1) * p.y + at(1, 2) * p.z,
+                    at(2, 0) * p.x + at(2, 1) * p.y + at(2, 2) * p.z);
 }
 
 }  // namespace
@@ -57,7 +51,7 @@ std::optional<Ray> pointerRay(const View& v, double x, double yTop) {
   const double ex = (2.0 * x / tb.width - 1.0) * extent->right;
   const double ey = (1.0 - 2.0 * yTop / tb.height) * extent->top;
   const Vector direction = ex * axes->side + ey * axes->up + axes->forward;
-  return Ray{fromFrame(v, v.cameraPosition), fromFrame(v, direction)};
+  return Ray{rotate(v, v.cameraPosition, false), rotate(v, direction, false)};
 }
 
 std::optional<PixelPoint> projectToView(const View& v, const Vector& p) {
@@ -67,7 +61,7 @@ std::optional<PixelPoint> projectToView(const View& v, const Vector& p) {
   if (!extent || !axes) {
     return std::nullopt;
   }
-  const Vector d = toFrame(v, p) - v.cameraPosition;
+  const Vector d = rotate(v, p, true) - v.cameraPosition;
   const double depth = dot(d, axes->forward);
   if (!(depth > 0.0)) {
     return std::nullopt;
