@@ -15,7 +15,7 @@ namespace {
 // Samples kept for all paths together, so that drawing them stays cheap
 // whatever the number of bodies, and the bounds on one path.
 constexpr std::size_t kTotalSamples = 30000;
-constexpr std::size_t kMinSamplesPerPath = 64;
+constexpr std::size_t kMinSamplesPerPath = 16;
 constexpr std::size_t kMaxSamplesPerPath = 1000;
 // How often the worker hands what it has to the main thread: often enough
 // that paths grow smoothly, seldom enough to cost the main thread nothing.
