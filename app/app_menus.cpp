@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QWidget>
+#include <algorithm>
 
 #include "view/view_host.h"
 
@@ -90,6 +91,12 @@ AppMenus::AppMenus(QObject* parent) : QObject(parent), owner_(new QWidget) {
 
 AppMenus::~AppMenus() {
   delete owner_;
+}
+
+QMenu* AppMenus::addMenu(const QString& title, std::size_t position) {
+  auto* menu = new QMenu(title, owner_);
+  menus.insert(menus.begin() + static_cast<std::ptrdiff_t>(std::min(position, menus.size())), menu);
+  return menu;
 }
 
 void AppMenus::populateMenuBar(QMenuBar* bar) const {

@@ -94,7 +94,11 @@ class AppMenus : public QObject {
   QAction* menuBodySpacer = nullptr;
   QAction* menuBody = nullptr;
 
-  // The menus, in menu-bar order; further menus may be appended.
+  // Adds a menu of the application at a place in the menu bar (Edit after
+  // File, Help at the end); the menus own it.
+  QMenu* addMenu(const QString& title, std::size_t position);
+
+  // The menus, in menu-bar order.
   std::vector<QMenu*> menus;
 
  private:

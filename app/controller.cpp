@@ -5,10 +5,12 @@
 #include <QAction>
 #include <QApplication>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QScreen>
 #include <QTimer>
 
 #include "app_menus.h"
+#include "design_history.h"
 #include "document/long_step.h"
 #include "document/world_document.h"
 #include "engine/world.h"
@@ -22,6 +24,7 @@
 #include "simulation_clock.h"
 #include "splash_window.h"
 #include "text_field_keys.h"
+#include "view/path_predictor.h"
 #include "view_window_registry.h"
 
 namespace {
@@ -77,6 +80,13 @@ Controller::Controller(Panels* dialogs) : panels_(dialogs) {
   // init
   w = new World;
   menus_ = std::make_unique<AppMenus>(this);
+  history_ = std::make_unique<DesignHistory>(
+      *w, [this](Body* body, std::string_view name) { worldRenameBody(body, name); });
+  predictor_ = std::make_unique<PathPredictor>();
+  // The Edit menu, after File, before any window takes the menus.
+  QMenu* editMenu = menus_->addMenu(tr("&Edit"), 1);
+  editMenu->addAction(history_->undoAction());
+  editMenu->addAction(history_->redoAction());
   connectMenus();
   viewPalette_ = std::make_unique<ViewWindowController>();
   bodyPalette_ = std::make_unique<BodyWindowController>();
@@ -106,6 +116,7 @@ Controller::Controller(Panels* dialogs) : panels_(dialogs) {
 Controller::~Controller() {
   // The bodies' destructors would report to the menus; they go silently.
   setBodyObserver(nullptr);
+  predictor_.reset();
   clock_.reset();
   windows_.reset();
   delete splash_.data();
@@ -151,6 +162,29 @@ QTimer* Controller::updateTimer() const {
 void Controller::showSimulationState() {
   menus_->showSimulationState(running(), editing_);
   simPalette_->setControlsState();
+  // Edits are recorded, and paths predicted, in design mode only.
+  history_->setRecording(editing_);
+  predictor_->setEnabled(editing_);
+}
+
+void Controller::deleteBody(int32_t id) {
+  history_->deleteBody(id);
+}
+
+void Controller::bodyDragged(const BodyDrag& drag) {
+  history_->bodyDragged(drag);
+}
+
+const PredictedPaths* Controller::predictedPaths(double horizon) {
+  return predictor_->paths(*w, horizon);
+}
+
+void Controller::commitBodyEdit(Body& body, const std::function<void()>& apply) {
+  history_->commitBodyEdit(body, apply);
+}
+
+void Controller::commitWorldEdit(const std::function<void()>& apply) {
+  history_->commitWorldEdit(apply);
 }
 
 void Controller::setWorldSpeed(float millisecondsPerUpdate) {

@@ -15,6 +15,8 @@
 
 class AppMenus;
 class BodyWindowController;
+class DesignHistory;
+class PathPredictor;
 class OrrenvaleGL;
 class OrrenvaleGLWindowController;
 class Panels;
@@ -126,6 +128,16 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   // a palette is hidden through its toggle.
   void closeActiveWindow(QObject* sender);
 
+  // Edits of the design, through its undo history (recorded in design mode
+  // only), and the paths predicted for it.
+  void deleteBody(int32_t id) override;
+  void bodyDragged(const BodyDrag& drag) override;
+  const PredictedPaths* predictedPaths(double horizon) override;
+  void commitBodyEdit(Body& body, const std::function<void()>& apply) override;
+  void commitWorldEdit(const std::function<void()>& apply) override;
+  DesignHistory& history() const { return *history_; }
+  PathPredictor& predictor() const { return *predictor_; }
+
   // Body menu callbacks.
   void worldCreateBody(Body& body) override;
   void worldDeleteBody(Body& body) override;
@@ -173,6 +185,8 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   bool loadingDesign_ = false;
 
   std::unique_ptr<AppMenus> menus_;
+  std::unique_ptr<DesignHistory> history_;
+  std::unique_ptr<PathPredictor> predictor_;
   std::unique_ptr<SimulationWindowController> simPalette_;
   std::unique_ptr<ViewWindowController> viewPalette_;
   std::unique_ptr<BodyWindowController> bodyPalette_;

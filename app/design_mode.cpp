@@ -1,6 +1,7 @@
 // Design mode: the world as designed is kept in editState, apart from the
 // world as simulated, so a run can be reverted to its design.
 #include "controller.h"
+#include "design_history.h"
 #include "engine/world.h"
 #include "palettes/panels.h"
 #include "palettes/simulation_window_controller.h"
@@ -55,12 +56,14 @@ void Controller::resetSim() {
 }
 
 void Controller::resetSim(QObject* /*sender*/) {
+  history_->clear();
   editState_ = PlistDict();
   resetSim();
   editCurrent(nullptr);
 }
 
 void Controller::newProgram() {
+  history_->clear();
   resetSim();
   newWindow();
   editing_ = false;

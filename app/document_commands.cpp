@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "controller.h"
+#include "design_history.h"
 #include "document/output_file.h"
 #include "document/plist_writer.h"
 #include "document/world_document.h"
@@ -95,6 +96,8 @@ void Controller::openDocumentFromMenu(QObject* /*sender*/) {
   if (!choice) {
     return;
   }
+  // The file's world replaces the design, and with it the design's history.
+  history_->clear();
   // A file that is not a readable property-list dictionary gives no
   // dictionary; the load then resets everything and finds nothing.
   const DocumentReadResult read = readDocumentFile(choice->path);
@@ -126,6 +129,7 @@ void Controller::saveDocumentFromMenu(QObject* /*sender*/) {
 }
 
 bool Controller::openFile(const QString& path) {
+  history_->clear();
   const DocumentReadResult read = readDocumentFile(path);
   loadToCurrentStateFromDict(read.dict ? &*read.dict : nullptr, true, true, true);
   editCurrent(nullptr);

@@ -6,6 +6,7 @@
 
 #include "app_menus.h"
 #include "controller.h"
+#include "design_history.h"
 
 void Controller::connectMenus() {
   AppMenus& m = *menus_;
@@ -26,7 +27,11 @@ void Controller::connectMenus() {
   on(m.menuSimStep, &Controller::stepSim);
   on(m.menuSimEdit, &Controller::edit);
   connect(m.menuSimEdit, &QAction::triggered, this, &Controller::showSimulationState);
-  on(m.menuSimEditCurrent, &Controller::editCurrent);
+  // The current world becomes the design: the old design's history goes.
+  connect(m.menuSimEditCurrent, &QAction::triggered, this, [this] {
+    history_->clear();
+    editCurrent(menus_->menuSimEditCurrent);
+  });
   on(m.menuSimRevert, &Controller::revertSim);
   connect(m.menuSimReset, &QAction::triggered, this, [this] { resetSim(menus_->menuSimReset); });
 

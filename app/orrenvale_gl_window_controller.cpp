@@ -33,9 +33,10 @@ void OrrenvaleGLWindowController::closeAsUser() {
 }
 
 void OrrenvaleGLWindowController::setContentSize(int width, int height) {
-  // The menu bar sits above the drawing area inside the window.
-  const int menuHeight =
-      window_->menuBar()->isNativeMenuBar() ? 0 : window_->menuBar()->sizeHint().height();
+  // The menu bar sits above the drawing area inside the window, as tall as
+  // it will be at the window's new width.
+  const QMenuBar* bar = window_->menuBar();
+  const int menuHeight = bar->isNativeMenuBar() ? 0 : bar->heightForWidth(width);
   // A size from a datafile may be anything; the window never outgrows the
   // screen, and the view's trackball takes the size the view really gets.
   resizeWithinMinimum(window_, QSize(width, height + menuHeight));

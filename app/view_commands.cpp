@@ -9,6 +9,7 @@
 
 #include "app_menus.h"
 #include "controller.h"
+#include "design_history.h"
 #include "engine/world.h"
 #include "orrenvale_gl_window_controller.h"
 #include "palettes/body_window_controller.h"
@@ -127,7 +128,7 @@ void Controller::newBody(QObject* /*sender*/) {
     newView(nullptr);
   }
   View* view = currentView();
-  Body* body = w->createBody();
+  Body* body = history_->newBody();
   if (view != nullptr) {
     view->selectedBodyID = body->id;
   }
@@ -140,7 +141,7 @@ void Controller::newBody(QObject* /*sender*/) {
 }
 
 void Controller::deleteAllBodies(QObject* /*sender*/) {
-  w->deleteAllBodies();
+  history_->deleteAllBodies();
 }
 
 void Controller::deleteSelectedBody(QObject* /*sender*/) {

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <QMenuBar>
+
+#include "app/design_history.h"
 #include "app/orrenvale_gl_window_controller.h"
 #include "app_test_support.h"
 #include "palettes/body_window_controller.h"
 #include "view/orrenvale_gl.h"
+#include "view/path_predictor.h"
 #include "view/view.h"
 
 namespace {
@@ -177,5 +181,65 @@ TEST_F(AppTest, ViewWindowsReopenWhereTheyWere) {
   controller->editCurrent(nullptr);
   EXPECT_EQ(viewWindowPositions(*controller), (std::vector<QPoint>{QPoint(100, 90), placed[1]}));
 }
+
+// The design's history as the application wires it: an Edit menu in every
+// menu bar, recording and prediction in design mode only, the history kept
+// across a run and forgotten when the design is replaced.
+TEST_F(AppTest, EditMenuUndoesTheDesignAcrossARun) {
+  for (QMenuBar* bar : qApp->findChildren<QMenuBar*>()) {
+    ASSERT_GE(bar->actions().size(), 2);
+    EXPECT_EQ(bar->actions()[1]->text(), "&Edit");
+  }
+  QAction* undo = item("menuEditUndo");
+  ASSERT_NE(undo, nullptr);
+  EXPECT_FALSE(undo->isEnabled());
+  EXPECT_TRUE(controller->predictor().enabled());
+  controller->newBody(nullptr);
+  controller->newBody(nullptr);
+  EXPECT_TRUE(undo->isEnabled());
+  EXPECT_TRUE(undo->text().startsWith("&Undo Create "));
+
+  controller->edit(nullptr);  // leave design mode and run
+  controller->stepSim(nullptr);
+  EXPECT_FALSE(undo->isEnabled());
+  EXPECT_FALSE(controller->predictor().enabled());
+  controller->deleteAllBodies(nullptr);  // changes the run only
+  controller->edit(nullptr);
+  ASSERT_EQ(world().bodies->count(), 2);
+  undo->trigger();
+  EXPECT_EQ(world().bodies->count(), 1);
+  EXPECT_TRUE(item("menuEditRedo")->isEnabled());
+}
+
+enum class Replace { Reset, New, Open, EditCurrent };
+
+class DesignReplaced : public AppTest, public ::testing::WithParamInterface<Replace> {};
+
+TEST_P(DesignReplaced, ForgetsTheHistory) {
+  controller->newBody(nullptr);
+  ASSERT_EQ(controller->history().stack().count(), 1);
+  switch (GetParam()) {
+    case Replace::Reset:
+      item("menuSimReset")->trigger();
+      break;
+    case Replace::New:
+      controller->newProgram();
+      break;
+    case Replace::Open:
+      controller->openFile("/nonexistent/world.ovd");
+      break;
+    case Replace::EditCurrent:
+      controller->edit(nullptr);
+      item("menuSimEditCurrent")->trigger();
+      break;
+  }
+  flush();
+  EXPECT_EQ(controller->history().stack().count(), 0);
+  EXPECT_FALSE(item("menuEditUndo")->isEnabled());
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, DesignReplaced,
+                         ::testing::Values(Replace::Reset, Replace::New, Replace::Open,
+                                           Replace::EditCurrent));
 
 }  // namespace

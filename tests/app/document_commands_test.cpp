@@ -45,8 +45,8 @@ class DocumentTest : public AppTest {
     OrrenvaleGLWindowController* second = controller->mainWindowController();
     copyName(second->CGLview()->view()->name, "Side");
     controller->setWindowTitleAndMinSize(second->window(), "Side");
-    second->setContentSize(320, 240);
-    ASSERT_TRUE(waitForFrameOfSize(320, 240));
+    second->setContentSize(400, 300);
+    ASSERT_TRUE(waitForFrameOfSize(400, 300));
     controller->editCurrent(nullptr);
     flush();
   }
@@ -97,7 +97,7 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   EXPECT_EQ(first->window()->windowTitle(), "View 0");
   EXPECT_EQ(second->window()->windowTitle(), "Side");
   EXPECT_EQ(first->CGLview()->view()->cameraPosition.x, 30.0);
-  EXPECT_EQ(second->CGLview()->size(), QSize(320, 240));
+  EXPECT_EQ(second->CGLview()->size(), QSize(400, 300));
   const Vector angles = first->CGLview()->view()->trackball->rotation.toRollPitchYaw();
   // Euler angles through a quaternion and back: a few ulps of the angles.
   EXPECT_NEAR(angles.x, 0.3, 1e-12);
@@ -271,8 +271,8 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
   b->color[0] = 1.0f, b->color[1] = 0.0f, b->color[2] = 0.0f;
   b->position.y = 100.0;  // in the upper half of the view
   controller->currentView()->selectedBodyID = 0;
-  controller->mainWindowController()->setContentSize(300, 200);
-  ASSERT_TRUE(waitForFrameOfSize(300, 200));
+  controller->mainWindowController()->setContentSize(420, 330);
+  ASSERT_TRUE(waitForFrameOfSize(420, 330));
   panels.files.push_back(path("view"));
   controller->exportTIFF(nullptr);
   EXPECT_EQ(panels.lastFileTitle, "Export View to TIFF");
@@ -280,7 +280,7 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
   QImageReader reader(path("view"), "tiff");
   const QImage image = reader.read();
   ASSERT_FALSE(image.isNull()) << reader.errorString().toStdString();
-  EXPECT_EQ(image.size(), QSize(300, 200));
+  EXPECT_EQ(image.size(), QSize(420, 330));
   auto redIn = [&](int y0, int y1) {
     int n = 0;
     for (int y = y0; y < y1; ++y)
@@ -290,8 +290,8 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
       }
     return n;
   };
-  EXPECT_GT(redIn(0, 100), 50);
-  EXPECT_EQ(redIn(100, 200), 0);
+  EXPECT_GT(redIn(0, 165), 50);
+  EXPECT_EQ(redIn(165, 330), 0);
 }
 
 TEST_F(DocumentTest, PrintHandsTheCapturedViewToThePrintDialog) {
