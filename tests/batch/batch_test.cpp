@@ -63,6 +63,10 @@ class Batch : public ::testing::Test {
     return path;
   }
   QString path(const QString& name) const { return dir_.filePath(name); }
+  static QByteArray read(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+  }
 
   QTemporaryDir dir_;
 };
@@ -102,34 +106,18 @@ INSTANTIATE_TEST_SUITE_P(
         OutputCase{"NoProgressWithoutATerminal", {"-n", "50"}, "", ""}),
     [](const auto& p) { return std::string(p.param.name); });
 
-TEST_F(Batch, LogFileGetsOneLinePerStepAndExactRealsOnRequest) {
-  const BatchRun run =
-      runBatch({QStringLiteral("-n"), QStringLiteral("10"), QStringLiteral("--exact"),
-                QStringLiteral("--log=") + path("log.txt"), write("one.ovd", kOneBody)});
-  EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-  QFile log(path("log.txt"));
-  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-  const QList<QByteArray> lines = log.readAll().split('\n');
+TEST_F(Batch, LogAndSaveFilesGetEveryStepAndTheSteppedWorldWithItsViews) {
+  const BatchRun run = runBatch({"--steps", "10", "--exact", "--log=" + path("log.txt"), "--save",
+                                 path("out.ovd"), write("one.ovd", kOneBody)});
+  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+  const QList<QByteArray> lines = read(path("log.txt")).split('\n');
   ASSERT_EQ(lines.size(), 11);  // ten lines and the empty rest after the last newline
   EXPECT_TRUE(lines[9].startsWith("5\tEarth\t1\t6.5\t3\t0\t1\t0\t0\t0\t0"))
       << lines[9].toStdString();
-}
-
-TEST_F(Batch, SaveWritesTheSteppedWorldAndCarriesTheViews) {
-  const BatchRun run =
-      runBatch({QStringLiteral("--steps"), QStringLiteral("2"), QStringLiteral("--save"),
-                path("out.ovd"), write("one.ovd", kOneBody)});
-  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-  const BatchRun again =
-      runBatch({QStringLiteral("-n0"), QStringLiteral("--summary"), path("out.ovd")});
-  ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
-  EXPECT_TRUE(again.out.contains(QStringLiteral("centerOfMass\t1\t2.5\t3\n")))
-      << again.out.toStdString();
-  QFile saved(path("out.ovd"));
-  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
-  const QByteArray xml = saved.readAll();
-  EXPECT_TRUE(xml.contains("<string>Side</string>"));
-  EXPECT_TRUE(xml.contains("<real>12.5</real>"));
+  const BatchRun again = runBatch({"-n0", "--summary", path("out.ovd")});
+  EXPECT_TRUE(again.out.contains("centerOfMass\t1\t6.5\t3\n")) << again.out.toStdString();
+  const QByteArray xml = read(path("out.ovd"));
+  EXPECT_TRUE(xml.contains("<string>Side</string>") && xml.contains("<real>12.5</real>"));
 }
 
 TEST_F(Batch, UnwritableLogOrSaveFileFailsWithItsName) {
@@ -174,9 +162,7 @@ TEST_P(BatchTargets, FifoAndOwnStandardOutputReceiveWhatARegularFileWould) {
   const QString world = write("world.ovd", kOneBody);
   const QLatin1String option(GetParam());
   ASSERT_EQ(runBatch({"-n", "5", option, path("regular"), world}).exitCode, 0);
-  QFile regular(path("regular"));
-  ASSERT_TRUE(regular.open(QIODevice::ReadOnly));
-  const std::string expected = regular.readAll().toStdString();
+  const std::string expected = read(path("regular")).toStdString();
 
   const QByteArray fifo = QFile::encodeName(path("fifo"));
   ASSERT_EQ(mkfifo(fifo.constData(), 0600), 0);
@@ -264,9 +250,7 @@ TEST_P(BatchWriteFaults, FailWithTheSystemsReasonAndLeaveTheTargetAsItWas) {
   } else {
     EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("out")});
-    QFile old(target);
-    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
-    EXPECT_EQ(old.readAll(), "old\n");
+    EXPECT_EQ(read(target), "old\n");
   }
 }
 
@@ -386,8 +370,7 @@ TEST_F(Batch, CtrlCInALongStepShowsProgressAndLeavesEveryFileAsItWas) {
   const QString log = write("log.txt", "old log\n");
   QProcess process;
   process.start(QStringLiteral(ORRENVALE_BATCH),
-                {QStringLiteral("-n"), QStringLiteral("3"), QStringLiteral("--log"), log,
-                 QStringLiteral("--save"), path("out.ovd"), write("long.ovd", kLongStep)});
+                {"-n", "3", "--log", log, "--save", path("out.ovd"), write("long.ovd", kLongStep)});
   // The step reports where it stands within half a second or so.
   QByteArray err;
   ASSERT_TRUE(QTest::qWaitFor(
@@ -405,9 +388,7 @@ TEST_F(Batch, CtrlCInALongStepShowsProgressAndLeavesEveryFileAsItWas) {
   EXPECT_EQ(process.exitCode(), 128 + SIGINT);
   EXPECT_TRUE(err.endsWith("orrenvale-batch: interrupted in step 1 of 3; nothing was saved\n"))
       << err.toStdString();
-  QFile kept(log);
-  ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
-  EXPECT_EQ(kept.readAll(), "old log\n");
+  EXPECT_EQ(read(log), "old log\n");
   // No save, and no temporary file left beside either target.
   EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden).size(), 2)
       << QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden).join(' ').toStdString();
