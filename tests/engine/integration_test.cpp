@@ -24,6 +24,7 @@ TEST(Integration, FreeBodyMovesStraightAndTheAdaptiveStepGivesThePlainBits) {
     empty.step();
     EXPECT_EQ(empty.elapsedTime, empty.timeStep + empty.timeStep);
     const Body* b = bodiesOf(world)[0];
+    // The stages add up the same velocity in parts: a few ulps.
     EXPECT_DOUBLE_EQ(b->position.x, 1 + 0.5 * world.timeStep);
     EXPECT_EQ(b->position.z, 3);
     EXPECT_EQ(b->velocity.y, -0.25);
@@ -169,7 +170,7 @@ TEST(Integration, RefinedAdaptiveStepAdvancesTheBodiesByTheWholeStep) {
 
   EXPECT_EQ(adaptive.timeStep, 0.05);
   EXPECT_EQ(adaptive.elapsedTime, 0.05);
-  ASSERT_NE(adaptive.findBodyById(101), nullptr);
+  ASSERT_TRUE(adaptive.findBodyById(100) != nullptr && adaptive.findBodyById(101) != nullptr);
   const Vector s = single.findBodyById(100)->position;
   const Vector a = adaptive.findBodyById(100)->position;
   const Vector r = reference.findBodyById(100)->position;
