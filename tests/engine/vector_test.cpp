@@ -77,7 +77,7 @@ TEST(Vector, AngleHelpersUseTheShortFactor) {
   EXPECT_NEAR(degToRad(180.0) / std::numbers::pi, 1.0, 3e-10);
 }
 
-TEST(Vector, ArithmeticLengthsAndTheRightHandedCross) {
+TEST(Vector, ArithmeticIsExactAndTheCrossProductRightHanded) {
   expectVector(vec(1, 2, 3) + vec(4, 5, 6), 5, 7, 9);
   expectVector(vec(1, 2, 3) - vec(4, 5, 6), -3, -3, -3);
   expectVector(2.0 * vec(1, 2, 3), 2, 4, 6);
