@@ -63,71 +63,61 @@ class Batch : public ::testing::Test {
     return path;
   }
   QString path(const QString& name) const { return dir_.filePath(name); }
+  static QByteArray read(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+  }
 
   QTemporaryDir dir_;
 };
 
-TEST_F(Batch, LogOfOneStepOfOneBodyIsTheDocumentedLine) {
-  const BatchRun run =
-      runBatch({QStringLiteral("--log"), QStringLiteral("-"), write("one.ovd", kOneBody)});
+struct OutputCase {
+  const char* name;
+  QStringList args;  // the one-body world follows
+  std::string out;
+  const char* err;  // what standard error holds; empty when nothing
+};
+
+class BatchOutput : public Batch, public ::testing::WithParamInterface<OutputCase> {};
+
+TEST_P(BatchOutput, IsExactlyWhatTheOptionsAskFor) {
+  const BatchRun run = runBatch(GetParam().args + QStringList{write("one.ovd", kOneBody)});
   EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-  EXPECT_EQ(run.out.toStdString(),
-            "0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t0.000000\t"
-            "0.000000\t0.000000\t0.000000\n");
+  EXPECT_EQ(run.out.toStdString(), GetParam().out);
+  EXPECT_EQ(run.err.isEmpty(), *GetParam().err == '\0') << run.err.toStdString();
+  EXPECT_TRUE(run.err.contains(QLatin1String(GetParam().err))) << run.err.toStdString();
 }
 
-TEST_F(Batch, LogFileGetsOneLinePerStepAndExactRealsOnRequest) {
-  const BatchRun run =
-      runBatch({QStringLiteral("-n"), QStringLiteral("10"), QStringLiteral("--exact"),
-                QStringLiteral("--log=") + path("log.txt"), write("one.ovd", kOneBody)});
-  EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-  QFile log(path("log.txt"));
-  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-  const QList<QByteArray> lines = log.readAll().split('\n');
+// One step by default; progress only on request or on a terminal.
+INSTANTIATE_TEST_SUITE_P(
+    Batch, BatchOutput,
+    ::testing::Values(
+        OutputCase{"LogOfOneStep",
+                   {"--log", "-"},
+                   "0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t0.000000\t"
+                   "0.000000\t0.000000\t0.000000\n",
+                   ""},
+        OutputCase{"Summary",
+                   {"--summary", "-n", "4"},
+                   "steps\t4\nelapsedTime\t2\nbodies\t1\nenergy\t0.5\nmomentum\t0\t1\t0\n"
+                   "centerOfMass\t1\t3.5\t3\nangularMomentum\t0\t0\t0\n",
+                   ""},
+        OutputCase{"ProgressOnRequest", {"--progress", "-n", "50"}, "", "50/50 steps"},
+        OutputCase{"NoProgressWithoutATerminal", {"-n", "50"}, "", ""}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+TEST_F(Batch, LogAndSaveFilesGetEveryStepAndTheSteppedWorldWithItsViews) {
+  const BatchRun run = runBatch({"--steps", "10", "--exact", "--log=" + path("log.txt"), "--save",
+                                 path("out.ovd"), write("one.ovd", kOneBody)});
+  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+  const QList<QByteArray> lines = read(path("log.txt")).split('\n');
   ASSERT_EQ(lines.size(), 11);  // ten lines and the empty rest after the last newline
   EXPECT_TRUE(lines[9].startsWith("5\tEarth\t1\t6.5\t3\t0\t1\t0\t0\t0\t0"))
       << lines[9].toStdString();
-}
-
-TEST_F(Batch, SaveWritesTheSteppedWorldAndCarriesTheViews) {
-  const BatchRun run =
-      runBatch({QStringLiteral("--steps"), QStringLiteral("2"), QStringLiteral("--save"),
-                path("out.ovd"), write("one.ovd", kOneBody)});
-  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-  const BatchRun again =
-      runBatch({QStringLiteral("-n0"), QStringLiteral("--summary"), path("out.ovd")});
-  ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
-  EXPECT_TRUE(again.out.contains(QStringLiteral("centerOfMass\t1\t2.5\t3\n")))
-      << again.out.toStdString();
-  QFile saved(path("out.ovd"));
-  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
-  const QByteArray xml = saved.readAll();
-  EXPECT_TRUE(xml.contains("<string>Side</string>"));
-  EXPECT_TRUE(xml.contains("<real>12.5</real>"));
-}
-
-TEST_F(Batch, SummaryListsTheStateInTabSeparatedLines) {
-  const BatchRun run = runBatch({QStringLiteral("--summary"), QStringLiteral("-n"),
-                                 QStringLiteral("4"), write("one.ovd", kOneBody)});
-  ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-  EXPECT_EQ(run.out.toStdString(),
-            "steps\t4\nelapsedTime\t2\nbodies\t1\nenergy\t0.5\nmomentum\t0\t1\t0\n"
-            "centerOfMass\t1\t3.5\t3\nangularMomentum\t0\t0\t0\n");
-}
-
-TEST_F(Batch, ProgressIsReportedOnStandardError) {
-  const BatchRun run = runBatch({QStringLiteral("--progress"), QStringLiteral("-n"),
-                                 QStringLiteral("50"), write("one.ovd", kOneBody)});
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_TRUE(run.err.contains(QStringLiteral("50/50 steps"))) << run.err.toStdString();
-  EXPECT_TRUE(run.out.isEmpty());
-}
-
-TEST_F(Batch, NoProgressWhenStandardErrorIsNotATerminal) {
-  const BatchRun run =
-      runBatch({QStringLiteral("-n"), QStringLiteral("50"), write("one.ovd", kOneBody)});
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_TRUE(run.err.isEmpty()) << run.err.toStdString();
+  const BatchRun again = runBatch({"-n0", "--summary", path("out.ovd")});
+  EXPECT_TRUE(again.out.contains("centerOfMass\t1\t6.5\t3\n")) << again.out.toStdString();
+  const QByteArray xml = read(path("out.ovd"));
+  EXPECT_TRUE(xml.contains("<string>Side</string>") && xml.contains("<real>12.5</real>"));
 }
 
 TEST_F(Batch, UnwritableLogOrSaveFileFailsWithItsName) {
@@ -172,9 +162,7 @@ TEST_P(BatchTargets, FifoAndOwnStandardOutputReceiveWhatARegularFileWould) {
   const QString world = write("world.ovd", kOneBody);
   const QLatin1String option(GetParam());
   ASSERT_EQ(runBatch({"-n", "5", option, path("regular"), world}).exitCode, 0);
-  QFile regular(path("regular"));
-  ASSERT_TRUE(regular.open(QIODevice::ReadOnly));
-  const std::string expected = regular.readAll().toStdString();
+  const std::string expected = read(path("regular")).toStdString();
 
   const QByteArray fifo = QFile::encodeName(path("fifo"));
   ASSERT_EQ(mkfifo(fifo.constData(), 0600), 0);
@@ -262,9 +250,7 @@ TEST_P(BatchWriteFaults, FailWithTheSystemsReasonAndLeaveTheTargetAsItWas) {
   } else {
     EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("out")});
-    QFile old(target);
-    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
-    EXPECT_EQ(old.readAll(), "old\n");
+    EXPECT_EQ(read(target), "old\n");
   }
 }
 
@@ -301,31 +287,22 @@ TEST_P(BatchBadFiles, ExitWithOneAndOneLineNamingFileAndReason) {
   EXPECT_TRUE(run.out.isEmpty());
 }
 
-QByteArray deeplyNested() {
-  return "<plist><dict><key>Bodies</key>" + QByteArray("<dict><key>a</key>").repeated(10000) +
-         "<true/>" + QByteArray("</dict>").repeated(10001) + "</plist>";
-}
-
 QByteArray hundredMegabytesOfBodies() {
   const QByteArray body = "<key>100</key><dict><key>Mass</key><real>1</real></dict>\n";
   return "<plist><dict><key>Bodies</key><dict>" + body.repeated(100 * 1024 * 1024 / body.size()) +
          "</dict></dict></plist>";
 }
 
+// A file the reader refuses, one it reads that is no datafile, and one too
+// large to read; the reader's own reasons are tested with the reader.
 INSTANTIATE_TEST_SUITE_P(
     Batch, BatchBadFiles,
-    ::testing::Values(
-        BadFile{"Empty", "", "not valid XML: the document ends too early"},
-        BadFile{"Truncated", kOneBody.left(200), "not valid XML: the document ends too early"},
-        BadFile{"BinaryGarbage", QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), "not valid XML"},
-        BadFile{"NotXml", "Time step = 0.1\n", "not valid XML"},
-        BadFile{"WrongRoot", "<?xml version=\"1.0\"?><world/>", "not a property list"},
-        BadFile{"RootNotADictionary", "<plist><array/></plist>", "not a datafile"},
-        BadFile{"NestedTenThousandLevels", deeplyNested(),
-                "not a valid property list: values are nested"},
-        BadFile{"HundredMegabytes", hundredMegabytesOfBodies(), "too large"},
-        BadFile{"InvalidUtf8InName", QByteArray(kOneBody).replace("Earth", "Ea\xc3\x28rth"),
-                "not valid XML: the text is not UTF-8 (byte 0xc3 at line 5"}),
+    ::testing::Values(BadFile{"Empty", "", "not valid XML: the document ends too early"},
+                      BadFile{"Truncated", kOneBody.left(200),
+                              "not valid XML: the document ends too early"},
+                      BadFile{"RootNotADictionary", "<plist><array/></plist>",
+                              "not a datafile: the property list holds an array, not a dictionary"},
+                      BadFile{"HundredMegabytes", hundredMegabytesOfBodies(), "too large"}),
     [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(Batch, MissingFileFolderFifoAndDeviceAreNamed) {
@@ -393,8 +370,7 @@ TEST_F(Batch, CtrlCInALongStepShowsProgressAndLeavesEveryFileAsItWas) {
   const QString log = write("log.txt", "old log\n");
   QProcess process;
   process.start(QStringLiteral(ORRENVALE_BATCH),
-                {QStringLiteral("-n"), QStringLiteral("3"), QStringLiteral("--log"), log,
-                 QStringLiteral("--save"), path("out.ovd"), write("long.ovd", kLongStep)});
+                {"-n", "3", "--log", log, "--save", path("out.ovd"), write("long.ovd", kLongStep)});
   // The step reports where it stands within half a second or so.
   QByteArray err;
   ASSERT_TRUE(QTest::qWaitFor(
@@ -412,21 +388,10 @@ TEST_F(Batch, CtrlCInALongStepShowsProgressAndLeavesEveryFileAsItWas) {
   EXPECT_EQ(process.exitCode(), 128 + SIGINT);
   EXPECT_TRUE(err.endsWith("orrenvale-batch: interrupted in step 1 of 3; nothing was saved\n"))
       << err.toStdString();
-  QFile kept(log);
-  ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
-  EXPECT_EQ(kept.readAll(), "old log\n");
+  EXPECT_EQ(read(log), "old log\n");
   // No save, and no temporary file left beside either target.
   EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden).size(), 2)
       << QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden).join(' ').toStdString();
-}
-
-TEST(BatchInfo, HelpAndVersionGoToStandardOutput) {
-  const BatchRun help = runBatch({QStringLiteral("--help")});
-  EXPECT_EQ(help.exitCode, 0);
-  EXPECT_TRUE(help.out.startsWith(QStringLiteral("Usage: orrenvale-batch")));
-  const BatchRun version = runBatch({QStringLiteral("--version")});
-  EXPECT_EQ(version.exitCode, 0);
-  EXPECT_TRUE(version.out.startsWith(QStringLiteral("orrenvale-batch ")));
 }
 
 TEST(ProgressBar, ShowsFractionRateAndTimeLeft) {

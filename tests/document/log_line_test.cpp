@@ -4,26 +4,21 @@
 
 namespace {
 
-TEST(LogLine, OneBodyLineHasTheDocumentedFields) {
+// Each call appends one line: the elapsed time, then each body's name,
+// position, velocity and acceleration.
+TEST(LogLine, EachLineHasTheTimeAndTheDocumentedFieldsOfEveryBody) {
   World world;
+  std::string line;
+  appendLogLine(line, world);
   world.elapsedTime = 0.5;
   Body* earth = world.createBody();
   copyName(earth->name, "Earth");
   earth->position = Vector::of(1, 2, 3);
   earth->velocity = Vector::of(0, 1, 0);
-  std::string line;
   appendLogLine(line, world);
   EXPECT_EQ(line,
-            "0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t0.000000\t"
-            "0.000000\t0.000000\t0.000000\n");
-}
-
-TEST(LogLine, EmptyWorldGivesOnlyTheElapsedTime) {
-  World world;
-  std::string line;
-  appendLogLine(line, world);
-  appendLogLine(line, world);
-  EXPECT_EQ(line, "0.000000\n0.000000\n");
+            "0.000000\n0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t"
+            "0.000000\t0.000000\t0.000000\t0.000000\n");
 }
 
 TEST(LogLine, ExactRealsReadBackToTheSameDouble) {

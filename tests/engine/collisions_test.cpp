@@ -6,20 +6,17 @@
 
 namespace {
 
-// Collision tests switch gravity off unless they need it, so positions and
-// velocities are exact.
-World& noGravity(World& world) {
-  world.gravitationalConstant = 0;
-  return world;
-}
-
-TEST(Collisions, TouchingIsDistanceAtMostTheSumOfRadii) {
+// Bodies touch when their distance is at most the sum of their radii; the
+// older body absorbs every body it touches in one pass.
+TEST(Collisions, OlderBodyAbsorbsEveryBodyWithinTheSumOfRadiiInOnePass) {
   World world;
   addBody(world, vec(0, 0, 0));
   addBody(world, vec(2, 0, 0));
+  addBody(world, vec(0, -2, 0));
   EXPECT_TRUE(world.collide());
-  EXPECT_EQ(world.bodies->count(), 1);
-
+  ASSERT_EQ(world.bodies->count(), 1);
+  EXPECT_EQ(bodiesOf(world)[0]->id, 100);
+  EXPECT_EQ(bodiesOf(world)[0]->mass, 3);
   world.reset();
   addBody(world, vec(0, 0, 0));
   addBody(world, vec(2.0000001, 0, 0));
@@ -41,8 +38,7 @@ TEST(Collisions, MergeOfTheExamplePair) {
   Body* survivor = bodiesOf(world)[0];
   EXPECT_EQ(survivor->id, 100);
   EXPECT_STREQ(survivor->name, "Body 0");
-  EXPECT_TRUE(survivor->position.isZero());
-  EXPECT_TRUE(survivor->velocity.isZero());
+  EXPECT_TRUE(survivor->position.isZero() && survivor->velocity.isZero());
   EXPECT_EQ(survivor->mass, 2);
   EXPECT_DOUBLE_EQ(survivor->radius, std::cbrt(2.0));
   EXPECT_FLOAT_EQ(survivor->color[0], 0.5f);
@@ -70,9 +66,7 @@ TEST(Collisions, MergeConservesMassMomentumAndVolumeAndMixesColourByVolume) {
   EXPECT_EQ(m->mass, mass);
   // Relative rounding of a few operations in double precision.
   EXPECT_NEAR(std::pow(m->radius, 3), volume, 1e-14 * volume);
-  EXPECT_NEAR(world.momentum().x, momentum.x, 1e-14);
-  EXPECT_NEAR(world.momentum().y, momentum.y, 1e-14);
-  EXPECT_NEAR(world.momentum().z, momentum.z, 1e-14);
+  EXPECT_NEAR((world.momentum() - momentum).length(), 0, 1e-14);
   // The colour is stored in single precision: one float ulp.
   EXPECT_NEAR(m->color[0], red, 1e-7);
 }
@@ -91,36 +85,8 @@ TEST(Collisions, HeadOnMergeKeepsTheWorldsAngularMomentum) {
   const Vector after = world.angularMomentum();
   // Mass-weighted means of a few terms: rounding of order 1e-16 of the
   // largest term (|L| is about 40 here).
-  for (auto [a, b] : {std::pair{before.x, after.x}, {before.y, after.y}, {before.z, after.z}}) {
-    EXPECT_NEAR(a, b, 1e-13);
-  }
+  EXPECT_NEAR((after - before).length(), 0, 1e-13);
   EXPECT_GT(std::fabs(before.z), 1.0);
-}
-
-TEST(Collisions, OlderBodyAbsorbsEveryTouchingBodyInOnePass) {
-  World world;
-  addBody(world, vec(0, 0, 0));
-  addBody(world, vec(0.5, 0, 0));
-  addBody(world, vec(0, 0.5, 0));
-  EXPECT_TRUE(world.collide());
-  ASSERT_EQ(world.bodies->count(), 1);
-  EXPECT_EQ(bodiesOf(world)[0]->id, 100);
-  EXPECT_EQ(bodiesOf(world)[0]->mass, 3);
-}
-
-TEST(Collisions, ElasticAndPlasticReboundsOfTheHeadOnPair) {
-  for (double e : {1.0, 0.0}) {
-    World world;
-    world.merge = false;
-    world.restitution = e;
-    Body* a = addBody(world, vec(-1, 0, 0), vec(1, 0, 0));
-    Body* b = addBody(world, vec(1, 0, 0), vec(-1, 0, 0));
-    EXPECT_TRUE(world.collide());
-    EXPECT_EQ(world.bodies->count(), 2);
-    EXPECT_EQ(a->velocity.x, e == 1.0 ? -1.0 : 0.0);
-    EXPECT_EQ(b->velocity.x, e == 1.0 ? 1.0 : 0.0);
-    EXPECT_EQ(a->position.x, -1);  // rebounds never move the bodies
-  }
 }
 
 class Rebound : public ::testing::TestWithParam<double> {};
@@ -135,8 +101,10 @@ TEST_P(Rebound, KeepsMomentumAndScalesTheNormalRelativeVelocityByMinusE) {
   const Vector n = normalized(a->position - b->position);
   const Vector rel = a->velocity - b->velocity;
   const Vector momentum = world.momentum();
+  const double x = a->position.x;
 
   ASSERT_TRUE(world.collide());
+  EXPECT_EQ(a->position.x, x);  // rebounds never move the bodies
   const Vector relAfter = a->velocity - b->velocity;
   // Tolerances: rounding of a handful of double operations on values of order 1.
   EXPECT_NEAR(dot(relAfter, n), -e * dot(rel, n), 1e-14);
@@ -148,26 +116,22 @@ TEST_P(Rebound, KeepsMomentumAndScalesTheNormalRelativeVelocityByMinusE) {
 
 INSTANTIATE_TEST_SUITE_P(Restitution, Rebound, ::testing::Values(0.0, 0.35, 1.0, 1.5));
 
-TEST(Collisions, ReboundAppliesEvenWhenTheBodiesSeparate) {
+// A touching pair rebounds even when it already separates; coincident
+// centres give no normal, so their velocities stay.
+TEST(Collisions, ReboundAppliesToSeparatingPairsAndSkipsCoincidentCentres) {
   World world;
   world.merge = false;
   Body* a = addBody(world, vec(-0.5, 0, 0), vec(-1, 0, 0));
   Body* b = addBody(world, vec(0.5, 0, 0), vec(1, 0, 0));
-  world.collide();
+  EXPECT_TRUE(world.collide());
   EXPECT_EQ(a->velocity.x, 1);
   EXPECT_EQ(b->velocity.x, -1);
   world.collide();
   EXPECT_EQ(a->velocity.x, -1);
-}
-
-TEST(Collisions, CoincidentCentresTouchWithoutChangingVelocities) {
-  World world;
-  world.merge = false;
-  Body* a = addBody(world, vec(3, 3, 3), vec(1, 0, 0));
-  addBody(world, vec(3, 3, 3), vec(0, 1, 0));
+  b->position = a->position;
   EXPECT_TRUE(world.collide());
-  EXPECT_EQ(a->velocity.x, 1);
-  EXPECT_EQ(a->velocity.y, 0);
+  EXPECT_EQ(a->velocity.x, -1);
+  EXPECT_EQ(b->velocity.x, 1);
 }
 
 TEST(Collisions, ContactFoundByThePredictionEndsTheStepWithThePredictedState) {
@@ -189,19 +153,6 @@ TEST(Collisions, ContactFoundByThePredictionEndsTheStepWithThePredictedState) {
   EXPECT_DOUBLE_EQ(a->velocity.x, -v);
   EXPECT_DOUBLE_EQ(b->velocity.x, v);
   EXPECT_DOUBLE_EQ(a->acceleration.x, accel);
-}
-
-TEST(Collisions, MergedBodyIsGoneAfterTheStep) {
-  RecordingObserver observer;
-  World world;
-  noGravity(world);
-  addBody(world, vec(-1.05, 0, 0), vec(10, 0, 0));
-  addBody(world, vec(1.05, 0, 0), vec(-10, 0, 0));
-  observer.events.clear();
-  world.step();
-  EXPECT_EQ(world.bodies->count(), 1);
-  EXPECT_EQ(world.findBodyById(101), nullptr);
-  EXPECT_EQ(observer.count(false), 1);
 }
 
 }  // namespace

@@ -6,24 +6,38 @@
 #include <numbers>
 #include <vector>
 
-#include "engine/position_point.h"
 #include "test_support.h"
 
 namespace {
 
-TEST(Integration, SingleBodyMovesInAStraightLine) {
-  World world;
-  addBody(world, vec(0, 0, 0), vec(1, 0, 0));
-  world.step();
-  const Body* b = bodiesOf(world)[0];
-  EXPECT_DOUBLE_EQ(b->position.x, world.timeStep);
-  EXPECT_EQ(b->position.y, 0);
-  EXPECT_EQ(b->velocity.x, 1);
-  EXPECT_EQ(world.elapsedTime, world.timeStep);
-  EXPECT_EQ(world.energy(), 0.5);
+// A free body moves in a straight line, and the adaptive step, whose energy
+// test passes at once, gives the plain step's bits; an empty world still
+// advances its time.
+TEST(Integration, FreeBodyMovesStraightAndTheAdaptiveStepGivesThePlainBits) {
+  std::vector<uint64_t> plain;
+  for (bool adaptive : {false, true}) {
+    World world, empty;
+    world.adaptive = empty.adaptive = adaptive;
+    addBody(world, vec(1, 2, 3), vec(0.5, -0.25, 0));
+    world.step();
+    empty.step();
+    empty.step();
+    EXPECT_EQ(empty.elapsedTime, empty.timeStep + empty.timeStep);
+    const Body* b = bodiesOf(world)[0];
+    // The stages add up the same velocity in parts: a few ulps.
+    EXPECT_DOUBLE_EQ(b->position.x, 1 + 0.5 * world.timeStep);
+    EXPECT_EQ(b->position.z, 3);
+    EXPECT_EQ(b->velocity.y, -0.25);
+    EXPECT_EQ(world.elapsedTime, world.timeStep);
+    EXPECT_EQ(world.energy(), 0.15625);
+    if (adaptive) {
+      EXPECT_EQ(stateBits(world), plain);
+    }
+    plain = stateBits(world);
+  }
 }
 
-TEST(Integration, AccelerationsAndEnergyOfTwoBodiesAtRest) {
+TEST(Integration, TwoBodiesAtRestPullEachOtherByTheInverseSquare) {
   World world;
   world.gravitationalConstant = 1;
   Body* right = addBody(world, vec(1, 0, 0));
@@ -36,26 +50,16 @@ TEST(Integration, AccelerationsAndEnergyOfTwoBodiesAtRest) {
   EXPECT_EQ(world.energy(), -0.5);
 }
 
-TEST(Integration, MomentumZeroesTinyComponents) {
-  World world;
-  addBody(world, vec(-5, 0, 0), vec(1, 0, 0));
-  addBody(world, vec(5, 0, 0), vec(-1, 0, 0));
-  EXPECT_TRUE(world.momentum().isZero());
-  EXPECT_EQ(world.momentum().x, 0.0);
-  world.reset();
-  addBody(world, vec(-5, 0, 0), vec(1e-13, 2, 0));
-  addBody(world, vec(5, 0, 0), vec(0, 0, 0));
-  EXPECT_EQ(world.momentum().x, 0.0);
-  EXPECT_EQ(world.momentum().y, 2.0);
-}
-
-TEST(Integration, CenterOfMassDividesInPlace) {
+// Momentum zeroes components within 1e-12; the centre of mass divides by a
+// total mass above 1e-12 and reports the undivided weighted sum otherwise.
+TEST(Integration, MomentumAndCentreOfMassFollowTheTolerance) {
   World world;
   EXPECT_TRUE(world.centerOfMass().isZero());
-  addBody(world, vec(0, 0, 0), Vector(), 1.0);
+  addBody(world, vec(0, 0, 0), vec(1e-13, 2, 0), 1.0);
   addBody(world, vec(4, 0, 0), Vector(), 3.0);
+  EXPECT_EQ(world.momentum().x, 0.0);
+  EXPECT_EQ(world.momentum().y, 2.0);
   EXPECT_EQ(world.centerOfMass().x, 3.0);
-  // A total mass of at most 1e-12 reports the undivided weighted sum.
   world.reset();
   addBody(world, vec(4, 2, 0), Vector(), 5e-13);
   EXPECT_EQ(world.centerOfMass().x, 4 * 5e-13);
@@ -75,8 +79,7 @@ OrbitError circularOrbitError(int stepsPerPeriod) {
   const double v = std::sqrt(0.5);
   addBody(world, vec(0.5, 0, 0), vec(0, v, 0), 1.0, 0.01);
   addBody(world, vec(-0.5, 0, 0), vec(0, -v, 0), 1.0, 0.01);
-  const double period = std::numbers::pi * std::sqrt(2.0);
-  world.timeStep = period / stepsPerPeriod;
+  world.timeStep = std::numbers::pi * std::sqrt(2.0) / stepsPerPeriod;
   const double e0 = world.energy();
   double worstSeparation = 0;
   for (int i = 0; i < stepsPerPeriod; ++i) {
@@ -88,27 +91,21 @@ OrbitError circularOrbitError(int stepsPerPeriod) {
   return {std::fabs(world.energy() - e0) / std::fabs(e0), worstSeparation};
 }
 
-TEST(Integration, CircularOrbitKeepsRadiusAndEnergyOverAPeriod) {
-  const OrbitError e = circularOrbitError(200);
-  // Fourth-order global error: with 100 steps per period the radius is off by
-  // about 6e-7, so with 200 steps by a sixteenth of that, below 1e-7; the
-  // energy error is smaller still.
-  EXPECT_LT(e.energy, 1e-8);
-  EXPECT_LT(e.separation, 1e-7);
-  EXPECT_GT(e.energy, 0.0);  // a real integration, not a frozen world
-}
-
-TEST(Integration, EnergyErrorFallsSixteenfoldWhenStepHalves) {
+TEST(Integration, CircularOrbitErrorsFallSixteenfoldWhenStepHalves) {
   const OrbitError coarse = circularOrbitError(100);
   const OrbitError fine = circularOrbitError(200);
-
-  // Fourth order: halving h divides the global error in the radius by
-  // 2^4 = 16, give or take the higher-order terms at these step sizes. The
-  // energy error of this symmetric orbit falls even faster (about 32-fold),
-  // so it is held only to the fourth-order bound.
-  const double radiusRatio = coarse.separation / fine.separation;
-  EXPECT_GT(radiusRatio, 12.0);
-  EXPECT_LT(radiusRatio, 20.0);
+  // Fourth-order global error: with 100 steps per period the radius is off by
+  // about 6e-7, so with 200 steps by a sixteenth of that, below 1e-7; the
+  // energy error is smaller still, but not zero in a real integration.
+  EXPECT_LT(fine.separation, 1e-7);
+  EXPECT_LT(fine.energy, 1e-8);
+  EXPECT_GT(fine.energy, 0.0);
+  // Halving h divides the error in the radius by 2^4 = 16, give or take the
+  // higher-order terms at these step sizes. The energy error of this
+  // symmetric orbit falls even faster (about 32-fold), so it is held only to
+  // the fourth-order bound.
+  EXPECT_GT(coarse.separation / fine.separation, 12.0);
+  EXPECT_LT(coarse.separation / fine.separation, 20.0);
   EXPECT_GT(coarse.energy / fine.energy, 14.0);
 }
 
@@ -124,7 +121,6 @@ double angularMomentumError(int stepsPerPeriod) {
   addBody(world, vec(rp * m1 / m, 0, 0), vec(0, vp * m1 / m, 0), m2, 0.01);
   world.timeStep = 2.0 * std::numbers::pi / std::sqrt(m) / stepsPerPeriod;
   const Vector l0 = world.angularMomentum();
-  EXPECT_EQ(l0.x, 0.0);
   EXPECT_GT(l0.z, 0.0);
   for (int i = 0; i < stepsPerPeriod; ++i) {
     world.step();
@@ -146,31 +142,6 @@ TEST(Integration, AngularMomentumOfAnEccentricOrbitDriftsOnlyByTheMethodsError) 
   EXPECT_GT(coarse / fine, 12.0);
 }
 
-TEST(Integration, EmptyWorldStillAdvancesTime) {
-  for (bool adaptive : {false, true}) {
-    World world;
-    world.adaptive = adaptive;
-    world.step();
-    world.step();
-    EXPECT_EQ(world.elapsedTime, world.timeStep + world.timeStep);
-  }
-}
-
-TEST(Integration, AdaptiveStepOfAFreeBodyEqualsThePlainStep) {
-  World plain, adaptive;
-  adaptive.adaptive = true;
-  for (World* w : {&plain, &adaptive}) {
-    addBody(*w, vec(1, 2, 3), vec(0.3, -0.7, 0.11));
-    w->step();
-  }
-  const Body* a = bodiesOf(plain)[0];
-  const Body* b = bodiesOf(adaptive)[0];
-  EXPECT_EQ(a->position.x, b->position.x);
-  EXPECT_EQ(a->position.y, b->position.y);
-  EXPECT_EQ(a->position.z, b->position.z);
-  EXPECT_EQ(adaptive.timeStep, plain.timeStep);
-}
-
 // A close, fast encounter in which one step of 0.05 misses the 1e-12 energy
 // test, so the step is refined.
 void setUpEncounter(World& world) {
@@ -180,14 +151,18 @@ void setUpEncounter(World& world) {
   addBody(world, vec(-0.3, 0, 0), vec(0, -1.5, 0), 1.0, 0.001);
 }
 
+// The refined step covers the whole time step, and the body copies it makes
+// and drops leave the Body menu as it was.
 TEST(Integration, RefinedAdaptiveStepAdvancesTheBodiesByTheWholeStep) {
   World single, adaptive, reference;
   adaptive.adaptive = true;
-  setUpEncounter(single);
-  setUpEncounter(adaptive);
-  setUpEncounter(reference);
+  for (World* w : {&single, &adaptive, &reference})
+    setUpEncounter(*w);
+  RecordingObserver observer;
   single.step();
   adaptive.step();
+  EXPECT_EQ(observer.count(true), observer.count(false));
+  EXPECT_GT(observer.count(true), 0);
   // Reference: 256 plain steps of dt / 256.
   reference.timeStep = 0.05 / 256;
   for (int i = 0; i < 256; ++i)
@@ -195,32 +170,16 @@ TEST(Integration, RefinedAdaptiveStepAdvancesTheBodiesByTheWholeStep) {
 
   EXPECT_EQ(adaptive.timeStep, 0.05);
   EXPECT_EQ(adaptive.elapsedTime, 0.05);
-  const Body* s = bodiesOf(single)[0];
-  const Body* a = bodiesOf(adaptive)[0];
-  const Body* r = bodiesOf(reference)[0];
-  // The test refined: the kept result is not the single step.
-  EXPECT_NE(a->position.x, s->position.x);
-  // The kept result covers the whole 0.05: it is far closer to the reference
-  // than the distance moved in one substep (1.5 * 0.05 / 2 = 0.0375), and
-  // closer than the single step.
-  const double adaptiveError = (a->position - r->position).length();
-  const double singleError = (s->position - r->position).length();
-  EXPECT_LT(adaptiveError, 1e-6);
-  EXPECT_LT(adaptiveError, singleError);
-  EXPECT_EQ(adaptive.bodies->count(), 2);
-}
-
-TEST(Integration, AdaptiveCopiesLeaveTheMenuBalanced) {
-  RecordingObserver observer;
-  World world;
-  world.adaptive = true;
-  setUpEncounter(world);
-  observer.events.clear();
-  world.step();
-  EXPECT_EQ(observer.count(true), observer.count(false));
-  EXPECT_GT(observer.count(true), 0);
-  ASSERT_NE(world.findBodyById(100), nullptr);
-  ASSERT_NE(world.findBodyById(101), nullptr);
+  ASSERT_TRUE(adaptive.findBodyById(100) != nullptr && adaptive.findBodyById(101) != nullptr);
+  const Vector s = single.findBodyById(100)->position;
+  const Vector a = adaptive.findBodyById(100)->position;
+  const Vector r = reference.findBodyById(100)->position;
+  // The kept result is not the single step, and it covers the whole 0.05: it
+  // is far closer to the reference than the distance moved in one substep
+  // (1.5 * 0.05 / 2 = 0.0375), and closer than the single step.
+  EXPECT_NE(a.x, s.x);
+  EXPECT_LT((a - r).length(), 1e-6);
+  EXPECT_LT((a - r).length(), (s - r).length());
 }
 
 // Cancels the step at its k-th call (never when k is 0) and keeps what it saw.
@@ -237,60 +196,42 @@ class CancellingMonitor : public StepMonitor {
   int cancelAt_;
 };
 
-// Every field of every body the program shows or stores, as raw bits, and
-// the trace points and time.
-std::vector<uint64_t> fullState(const World& world) {
-  std::vector<uint64_t> bits;
-  auto add = [&](double d) { bits.push_back(std::bit_cast<uint64_t>(d)); };
-  forEachItem<Body>(*world.bodies, [&](const Body& b) {
-    for (const Vector* v : {&b.position, &b.velocity, &b.acceleration, &b.force}) {
-      add(v->x), add(v->y), add(v->z);
-    }
-    add(b.mass), add(b.radius), add(b.id), add(b.active), add(b.color[0]);
-  });
-  forEachItem<PositionPoint>(*world.tracePoints, [&](const PositionPoint& p) { add(p.x); });
-  add(world.elapsedTime), add(world.timeStep);
-  return bits;
-}
-
 // The long step that once froze the program: an eccentric pair of point
-// bodies with a time step of 100 refines towards the 1e-8 substep.
+// bodies with a time step of 100 refines towards the 1e-8 substep. One short
+// step first leaves a trace point and a changed state to start from.
 void setUpLongStep(World& world) {
   world.gravitationalConstant = 1;
   world.adaptive = true;
-  world.timeStep = 100;
-  Body* a = addBody(world, vec(1, 0, 0), vec(0, 0.3, 0), 1.0, 0.0);
+  world.timeStep = 0.001;
+  addBody(world, vec(1, 0, 0), vec(0, 0.3, 0), 1.0, 0.0)->traceEnable = true;
   addBody(world, vec(-1, 0, 0), vec(0, -0.3, 0), 1.0, 0.0);
-  a->traceEnable = true;
   world.computeAccelerations();
+  world.step();
 }
 
 TEST(Integration, CancelledLongStepLeavesTheWorldAsItWas) {
   for (int cancelAt : {1, 50}) {
+    SCOPED_TRACE(cancelAt);
     World world, untouched;
     setUpLongStep(world);
     setUpLongStep(untouched);
-    // One short step first: a trace point and a changed state to start from.
-    world.timeStep = untouched.timeStep = 0.001;
-    world.step();
-    untouched.step();
     world.timeStep = 100;
-    const std::vector<uint64_t> before = fullState(world);
+    const std::vector<uint64_t> before = stateBits(world);
     CancellingMonitor monitor(cancelAt);
     EXPECT_FALSE(world.step(&monitor));
-    EXPECT_EQ(fullState(world), before) << "cancelled at call " << cancelAt;
-    world.timeStep = 0.001;
+    EXPECT_EQ(stateBits(world), before);
     ASSERT_EQ(monitor.seen.size(), static_cast<std::size_t>(cancelAt));
     const StepProgress& last = monitor.seen.back();
-    EXPECT_GT(last.done, 0.0);
     // From a time step of 100 down to 1e-8: about 2 * 2^34 integrations.
+    EXPECT_GT(last.done, 0.0);
     EXPECT_GT(last.worstCase, 1e10);
     EXPECT_LT(last.done, last.worstCase);
     // Nothing of the cancelled step lingers: the next step is the step the
     // untouched world takes.
+    world.timeStep = 0.001;
     world.step();
     untouched.step();
-    EXPECT_EQ(fullState(world), fullState(untouched));
+    EXPECT_EQ(stateBits(world), stateBits(untouched));
   }
 }
 
@@ -306,7 +247,7 @@ TEST(Integration, MonitorThatLetsTheStepRunChangesNoBit) {
   CancellingMonitor monitor(0);
   EXPECT_TRUE(watched.step(&monitor));
   plain.step();
-  EXPECT_EQ(fullState(watched), fullState(plain));
+  EXPECT_EQ(stateBits(watched), stateBits(plain));
   // The encounter refines: the monitor was asked, with growing counts.
   ASSERT_GE(monitor.seen.size(), 2u);
   EXPECT_LT(monitor.seen.front().done, monitor.seen.back().done);
@@ -319,14 +260,9 @@ uint64_t stateHash(const World& world) {
     h *= 1099511628211u;
   };
   forEachItem<Body>(*world.bodies, [&](const Body& b) {
-    mix(b.position.x);
-    mix(b.position.y);
-    mix(b.position.z);
-    mix(b.velocity.x);
-    mix(b.velocity.y);
-    mix(b.velocity.z);
-    mix(b.mass);
-    mix(b.radius);
+    for (double d : {b.position.x, b.position.y, b.position.z, b.velocity.x, b.velocity.y,
+                     b.velocity.z, b.mass, b.radius})
+      mix(d);
   });
   mix(world.elapsedTime);
   return h;

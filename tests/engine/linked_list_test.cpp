@@ -20,29 +20,14 @@ class Tracked : public ListStorable {
   std::vector<int>& log_;
 };
 
-std::vector<int> idsForward(const LinkedList& list) {
-  std::vector<int> ids;
-  for (ListNode* n = list.head(); n != nullptr; n = n->next) {
-    ids.push_back(static_cast<Tracked*>(n->item())->id());
-  }
-  return ids;
-}
-
-std::vector<int> idsBackward(const LinkedList& list) {
-  std::vector<int> ids;
-  if (list.head() == nullptr)
-    return ids;
-  for (ListNode* n = list.tail(); n != nullptr; n = n->prev) {
-    ids.insert(ids.begin(), static_cast<Tracked*>(n->item())->id());
-  }
-  return ids;
-}
-
-ListNode* nodeAt(const LinkedList& list, int index) {
-  ListNode* n = list.head();
-  while (index-- > 0)
-    n = n->next;
-  return n;
+// The items' numbers from head to tail by the next links, and again by the
+// prev links from the tail.
+std::vector<int> ids(const LinkedList& list, bool backward = false) {
+  std::vector<int> out;
+  for (ListNode* n = backward ? list.tail() : list.head(); n != nullptr;
+       n = backward ? n->prev : n->next)
+    out.insert(backward ? out.begin() : out.end(), static_cast<Tracked*>(n->item())->id());
+  return out;
 }
 
 struct RemoveCase {
@@ -55,23 +40,18 @@ class LinkedListRemove : public ::testing::TestWithParam<RemoveCase> {};
 
 TEST_P(LinkedListRemove, UnlinksDeletesAndKeepsBothDirectionsConsistent) {
   std::vector<int> deleted;
-  {
-    LinkedList list;
-    for (int i = 0; i < GetParam().size; ++i)
-      list.append(new ListNode(new Tracked(i, deleted)));
-    list.remove(nodeAt(list, GetParam().index));
-
-    EXPECT_EQ(deleted, std::vector<int>{GetParam().index});
-    EXPECT_EQ(list.count(), GetParam().size - 1);
-    EXPECT_EQ(idsForward(list), GetParam().remaining);
-    EXPECT_EQ(idsBackward(list), GetParam().remaining);
-    if (list.head() == nullptr) {
-      EXPECT_EQ(list.tail(), nullptr);
-    } else {
-      EXPECT_EQ(list.head()->prev, nullptr);
-      EXPECT_EQ(list.tail()->next, nullptr);
-    }
-  }
+  LinkedList list;
+  for (int i = 0; i < GetParam().size; ++i)
+    list.append(new ListNode(new Tracked(i, deleted)));
+  ListNode* n = list.head();
+  for (int i = 0; i < GetParam().index; ++i)
+    n = n->next;
+  list.remove(n);
+  EXPECT_EQ(deleted, std::vector<int>{GetParam().index});
+  EXPECT_EQ(list.count(), GetParam().size - 1);
+  EXPECT_EQ(ids(list), GetParam().remaining);
+  EXPECT_EQ(ids(list, true), GetParam().remaining);
+  EXPECT_EQ(list.head() == nullptr, list.tail() == nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(HeadMiddleTail, LinkedListRemove,
@@ -86,38 +66,15 @@ TEST(LinkedList, InsertBeforeKeepsBothDirectionsConsistent) {
   list.insertBefore(nullptr, new ListNode(new Tracked(2, log)));
   list.insertBefore(list.head(), new ListNode(new Tracked(0, log)));
   list.insertBefore(nullptr, new ListNode(new Tracked(3, log)));
-  list.insertBefore(nodeAt(list, 1), new ListNode(new Tracked(1, log)));
-  EXPECT_EQ(idsForward(list), (std::vector<int>{0, 1, 2, 3}));
-  EXPECT_EQ(idsBackward(list), (std::vector<int>{0, 1, 2, 3}));
+  list.insertBefore(list.head()->next, new ListNode(new Tracked(1, log)));
+  EXPECT_EQ(ids(list), (std::vector<int>{0, 1, 2, 3}));
+  EXPECT_EQ(ids(list, true), (std::vector<int>{0, 1, 2, 3}));
   EXPECT_EQ(list.count(), 4);
 }
 
-TEST(LinkedList, AppendAfterEmptyingMakesTheNodeHeadAndTail) {
-  std::vector<int> deleted;
-  LinkedList list;
-  list.append(new ListNode(new Tracked(1, deleted)));
-  list.remove(list.head());
-  auto* node = new ListNode(new Tracked(2, deleted));
-  list.append(node);
-  EXPECT_EQ(list.head(), node);
-  EXPECT_EQ(list.tail(), node);
-  EXPECT_EQ(node->prev, nullptr);
-  EXPECT_EQ(node->next, nullptr);
-  EXPECT_EQ(list.count(), 1);
-}
-
-TEST(LinkedList, CountIsAppendsMinusRemoves) {
-  std::vector<int> deleted;
-  LinkedList list;
-  for (int i = 0; i < 10; ++i)
-    list.append(new ListNode(new Tracked(i, deleted)));
-  for (int i = 0; i < 4; ++i)
-    list.remove(nodeAt(list, i));
-  EXPECT_EQ(list.count(), 6);
-  EXPECT_EQ(idsForward(list), (std::vector<int>{1, 3, 5, 7, 8, 9}));
-}
-
-TEST(LinkedList, ClearDeletesEveryItemFromHeadToTail) {
+// Clearing deletes every item from head to tail; an append then makes its
+// node both head and tail again.
+TEST(LinkedList, ClearDeletesEveryItemInOrderAndAppendStartsAfresh) {
   std::vector<int> deleted;
   LinkedList list;
   list.clear();
@@ -128,22 +85,27 @@ TEST(LinkedList, ClearDeletesEveryItemFromHeadToTail) {
   EXPECT_EQ(deleted, (std::vector<int>{0, 1, 2, 3}));
   EXPECT_EQ(list.count(), 0);
   EXPECT_EQ(list.head(), nullptr);
+  auto* node = new ListNode(new Tracked(4, deleted));
+  list.append(node);
+  EXPECT_EQ(list.head(), node);
+  EXPECT_EQ(list.tail(), node);
+  EXPECT_EQ(node->prev, nullptr);
+  EXPECT_EQ(node->next, nullptr);
+  EXPECT_EQ(list.count(), 1);
 }
 
 TEST(LinkedList, DestroyingAListOfBodiesNotifiesEachInListOrder) {
   RecordingObserver observer;
   {
     World world;
-    world.createBody();
-    world.createBody();
-    world.createBody();
+    for (int i = 0; i < 3; ++i)
+      world.createBody();
     observer.events.clear();
   }
-  ASSERT_EQ(observer.events.size(), 3u);
-  EXPECT_EQ(observer.events[0].name, "Body 0");
-  EXPECT_EQ(observer.events[1].name, "Body 1");
-  EXPECT_EQ(observer.events[2].name, "Body 2");
-  EXPECT_FALSE(observer.events[0].created);
+  std::vector<std::string> deleted;
+  for (const RecordingObserver::Event& e : observer.events)
+    deleted.push_back(e.created ? "created" : e.name);
+  EXPECT_EQ(deleted, (std::vector<std::string>{"Body 0", "Body 1", "Body 2"}));
 }
 
 }  // namespace

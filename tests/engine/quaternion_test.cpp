@@ -9,25 +9,18 @@
 namespace {
 
 void expectQuaternion(const Quaternion& q, double w, double x, double y, double z) {
-  EXPECT_EQ(q.w, w);
-  EXPECT_EQ(q.v.x, x);
-  EXPECT_EQ(q.v.y, y);
-  EXPECT_EQ(q.v.z, z);
+  EXPECT_EQ(std::tuple(q.w, q.v.x, q.v.y, q.v.z), std::tuple(w, x, y, z));
 }
 
-TEST(Quaternion, DefaultIsZeroAndNormalisesToTheIdentity) {
-  Quaternion q;
-  expectQuaternion(q, 0, 0, 0, 0);
-  q.normalize();
-  expectQuaternion(q, 1, 0, 0, 0);
-
-  Quaternion tiny(1e-13, 0, 0, 0);
-  tiny.normalize();
+// A quaternion within 1e-12 of zero, the default one included, normalises
+// to the identity.
+TEST(Quaternion, NormalisingGuardsTheZeroQuaternion) {
+  Quaternion zero, tiny(1e-13, 0, 0, 0), q(0, 3, 0, 4);
+  for (Quaternion* p : {&zero, &tiny, &q})
+    p->normalize();
+  expectQuaternion(zero, 1, 0, 0, 0);
   expectQuaternion(tiny, 1, 0, 0, 0);
-
-  Quaternion q2(0, 3, 0, 4);
-  q2.normalize();
-  expectQuaternion(q2, 0, 0.6, 0, 0.8);
+  expectQuaternion(q, 0, 0.6, 0, 0.8);
 }
 
 TEST(Quaternion, HamiltonProductOfUnitAxes) {
@@ -50,22 +43,11 @@ TEST(Quaternion, ScalarDivisionIsGuarded) {
 
 TEST(Quaternion, RotatesAVectorAboutZ) {
   const double half = std::numbers::pi / 4;  // 90 degrees about +z
-  const Quaternion q(std::cos(half), 0, 0, std::sin(half));
-  const Vector r = q.rotate(Vector::of(1, 0, 0));
+  const Vector r = Quaternion(std::cos(half), 0, 0, std::sin(half)).rotate(Vector::of(1, 0, 0));
   // Rounding of cos/sin of pi/4, a few ulps.
   EXPECT_NEAR(r.x, 0, 1e-15);
   EXPECT_NEAR(r.y, 1, 1e-15);
   EXPECT_NEAR(r.z, 0, 1e-15);
-}
-
-TEST(Quaternion, ZeroAnglesAreTheIdentityAndBack) {
-  Quaternion q;
-  q.setRollPitchYaw(0, 0, 0);
-  expectQuaternion(q, 1, 0, 0, 0);
-  const Vector a = Quaternion(1, 0, 0, 0).toRollPitchYaw();
-  EXPECT_EQ(a.x, 0);
-  EXPECT_EQ(a.y, 0);
-  EXPECT_EQ(a.z, 0);
 }
 
 class QuaternionAngles : public ::testing::TestWithParam<std::tuple<double, double, double>> {};
@@ -88,9 +70,16 @@ INSTANTIATE_TEST_SUITE_P(Angles, QuaternionAngles,
                                            std::make_tuple(-3.0, -1.5, 3.0),
                                            std::make_tuple(1.0, 0.7, -0.3)));
 
-TEST(Quaternion, GLMatrixOfIdentityAndZeroIsTheIdentity) {
-  for (const Quaternion& q : {Quaternion(1, 0, 0, 0), Quaternion()}) {
-    const auto m = q.toGLMatrix();
+// Zero angles give exactly the identity and back; the identity and the zero
+// quaternion give the identity matrix.
+TEST(Quaternion, ZeroAnglesIdentityAndZeroQuaternionAreExactlyTheIdentity) {
+  Quaternion q;
+  q.setRollPitchYaw(0, 0, 0);
+  expectQuaternion(q, 1, 0, 0, 0);
+  const Vector a = Quaternion(1, 0, 0, 0).toRollPitchYaw();
+  EXPECT_EQ(std::tuple(a.x, a.y, a.z), std::tuple(0.0, 0.0, 0.0));
+  for (const Quaternion& p : {Quaternion(1, 0, 0, 0), Quaternion()}) {
+    const auto m = p.toGLMatrix();
     for (int i = 0; i < 16; ++i) {
       EXPECT_EQ(m[i], (i % 5 == 0) ? 1.0 : 0.0) << i;
     }
@@ -99,8 +88,7 @@ TEST(Quaternion, GLMatrixOfIdentityAndZeroIsTheIdentity) {
 
 TEST(Quaternion, GLMatrixIsTheTransposedRotation) {
   const double theta = 0.7;
-  const Quaternion q(std::cos(theta / 2), 0, 0, std::sin(theta / 2));
-  const auto m = q.toGLMatrix();
+  const auto m = Quaternion(std::cos(theta / 2), 0, 0, std::sin(theta / 2)).toGLMatrix();
   // Products of rounded half-angle sines and cosines: a few ulps.
   EXPECT_NEAR(m[0], std::cos(theta), 1e-15);
   EXPECT_NEAR(m[1], -std::sin(theta), 1e-15);

@@ -40,11 +40,8 @@ void stepEveryWay(void (*setUp)(World&), int steps = 3) {
         EXPECT_EQ(left.size(), ids.size());  // rebounds never remove a body
       }
       world.computeAccelerations();
-      (void)world.energy();
-      (void)world.momentum();
-      (void)world.centerOfMass();
-      (void)world.minCorner();
-      (void)world.maxCorner();
+      (void)world.energy(), (void)world.momentum(), (void)world.centerOfMass();
+      (void)world.minCorner(), (void)world.maxCorner();
     }
   }
 }
@@ -77,8 +74,7 @@ TEST(Robustness, CoincidentBodiesExertNoForce) {
   world.computeAccelerations();
   for (Body* x : {a, b, c}) {
     EXPECT_EQ(x->acceleration.x, 0);
-    EXPECT_EQ(x->acceleration.z, 0);
-    EXPECT_FALSE(std::isnan(x->acceleration.z));
+    EXPECT_EQ(x->acceleration.z, 0);  // also false for a NaN
   }
   stepEveryWay([](World& w) {
     // Separating from one point, the pair's potential energy is unbounded, so

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <random>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "engine/body.h"
+#include "engine/position_point.h"
 #include "engine/world.h"
 
 // Records the body hooks in the order they fire, and uninstalls itself.
@@ -54,6 +56,35 @@ inline std::vector<Body*> bodiesOf(const World& world) {
 
 inline Vector vec(double x, double y, double z) {
   return Vector::of(x, y, z);
+}
+
+// The bits of a double, every NaN counted as one: which NaN an operation on
+// two NaNs returns depends on operand order, which the compiler may swap.
+inline uint64_t bitsOf(double d) {
+  return std::isnan(d) ? 0x7FF8000000000000u : std::bit_cast<uint64_t>(d);
+}
+
+// Every field of every body that a step changes or the program shows or
+// stores, then the trace points and the time, as bits: two worlds in the same
+// state give the same list.
+inline std::vector<uint64_t> stateBits(const World& world) {
+  std::vector<uint64_t> bits;
+  auto add = [&](std::initializer_list<double> values) {
+    for (double d : values)
+      bits.push_back(bitsOf(d));
+  };
+  forEachItem<Body>(*world.bodies, [&](const Body& b) {
+    for (const Vector* v : {&b.position, &b.velocity, &b.acceleration, &b.force})
+      add({v->x, v->y, v->z});
+    add({b.mass, b.radius, static_cast<double>(b.id), b.color[0], b.color[1], b.color[2]});
+    add({static_cast<double>(b.active), static_cast<double>(b.traceEnable),
+         static_cast<double>(b.showVectors)});
+  });
+  forEachItem<PositionPoint>(*world.tracePoints, [&](const PositionPoint& p) {
+    add({p.x, p.y, p.z, p.color[0], p.color[1], p.color[2]});
+  });
+  add({world.elapsedTime, world.timeStep});
+  return bits;
 }
 
 // n bodies at random in a cube of the given half side, G = 1: half-unit

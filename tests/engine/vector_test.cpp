@@ -15,6 +15,8 @@ void expectVector(const Vector& v, double x, double y, double z) {
   EXPECT_EQ(v.z, z);
 }
 
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+
 struct NormalizeCase {
   Vector in;
   Vector out;
@@ -23,11 +25,8 @@ struct NormalizeCase {
 class VectorNormalized : public ::testing::TestWithParam<NormalizeCase> {};
 
 TEST_P(VectorNormalized, ComparesTheLengthNotItsSquareWithTheTolerance) {
-  const Vector n = normalized(GetParam().in);
-  expectVector(n, GetParam().out.x, GetParam().out.y, GetParam().out.z);
+  expectVector(normalized(GetParam().in), GetParam().out.x, GetParam().out.y, GetParam().out.z);
 }
-
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 INSTANTIATE_TEST_SUITE_P(Cases, VectorNormalized,
                          ::testing::Values(NormalizeCase{vec(0, 0, 0), vec(0, 0, 0)},
@@ -43,27 +42,19 @@ TEST(Vector, IsZeroUsesStrictComparisonsPerComponent) {
   EXPECT_FALSE(vec(0, 0, -2e-12).isZero());
 }
 
+// Dividing by at most 1e-12 (or by a NaN, which fails the comparison) gives
+// the zero vector, but leaves the vector as it was in place.
 TEST(Vector, GuardedDivisionsDifferBetweenReturningAndInPlace) {
-  expectVector(vec(3, 6, 9) / 1e-12, 0, 0, 0);
-  Vector v = vec(3, 6, 9);
-  v /= 1e-12;
-  expectVector(v, 3, 6, 9);
-
+  for (double d : {1e-12, kNaN}) {
+    expectVector(vec(3, 6, 9) / d, 0, 0, 0);
+    Vector v = vec(3, 6, 9);
+    v /= d;
+    expectVector(v, 3, 6, 9);
+  }
   expectVector(vec(3, 6, 9) / 3.0, 1, 2, 3);
+  Vector v = vec(3, 6, 9);
   v /= 3.0;
   expectVector(v, 1, 2, 3);
-
-  // A divisor that is not a number fails the comparison in both forms.
-  expectVector(vec(3, 6, 9) / kNaN, 0, 0, 0);
-  Vector w = vec(3, 6, 9);
-  w /= kNaN;
-  expectVector(w, 3, 6, 9);
-}
-
-TEST(Vector, CrossFollowsTheRightHandRule) {
-  expectVector(cross(vec(1, 0, 0), vec(0, 1, 0)), 0, 0, 1);
-  expectVector(cross(vec(0, 1, 0), vec(1, 0, 0)), 0, 0, -1);
-  expectVector(cross(vec(0, 0, 1), vec(1, 0, 0)), 0, 1, 0);
 }
 
 TEST(Vector, CylindricalAndSphericalCoordinates) {
@@ -86,7 +77,7 @@ TEST(Vector, AngleHelpersUseTheShortFactor) {
   EXPECT_NEAR(degToRad(180.0) / std::numbers::pi, 1.0, 3e-10);
 }
 
-TEST(Vector, ArithmeticAndLengths) {
+TEST(Vector, ArithmeticIsExactAndTheCrossProductRightHanded) {
   expectVector(vec(1, 2, 3) + vec(4, 5, 6), 5, 7, 9);
   expectVector(vec(1, 2, 3) - vec(4, 5, 6), -3, -3, -3);
   expectVector(2.0 * vec(1, 2, 3), 2, 4, 6);
@@ -102,6 +93,9 @@ TEST(Vector, ArithmeticAndLengths) {
   v *= 2;
   expectVector(v, 4, 6, 0);
   expectVector(v.zero(), 0, 0, 0);
+  expectVector(cross(vec(1, 0, 0), vec(0, 1, 0)), 0, 0, 1);
+  expectVector(cross(vec(0, 1, 0), vec(1, 0, 0)), 0, 0, -1);
+  expectVector(cross(vec(0, 0, 1), vec(1, 0, 0)), 0, 1, 0);
 }
 
 }  // namespace

@@ -34,13 +34,11 @@ def run_module(args, **kwargs):
     return run([sys.executable, "-m", "orrenvale", *args], **kwargs)
 
 
-def two_body_world(**params):
+def two_body_world():
     """Two unit masses at (+-1, 0, 0) orbiting each other, G = 1."""
     w = orrenvale.World()
     w.gravitational_constant = 1.0
     w.time_step = 0.01
-    for name, value in params.items():
-        setattr(w, name, value)
     w.add_body(name="East", position=(1, 0, 0), velocity=(0, 0.5, 0), radius=0.1)
     w.add_body(name="West", position=(-1, 0, 0), velocity=(0, -0.5, 0), radius=0.1)
     return w

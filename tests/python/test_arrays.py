@@ -13,11 +13,13 @@ def bits(state):
     return {k: v.tobytes() for k, v in state.items()}
 
 
+# The plain world takes its steps one at a time, the copied one in two calls.
 @pytest.mark.parametrize("write", ["set_state", "properties"])
 def test_round_trip_then_step_gives_the_same_bits(write):
     plain = orrenvale.World.load(PLANETS)
     copied = orrenvale.World.load(PLANETS)
-    plain.step(20)
+    for _ in range(220):
+        plain.step()
     copied.step(20)
     state = copied.state()
     if write == "set_state":
@@ -26,9 +28,9 @@ def test_round_trip_then_step_gives_the_same_bits(write):
         for name, array in state.items():
             if name != "ids":
                 setattr(copied, name, array)
-    plain.step(200)
     copied.step(200)
     assert bits(copied.state()) == bits(plain.state())
+    assert copied.elapsed_time == plain.elapsed_time
 
 
 def test_arrays_hold_the_fields_of_the_bodies_in_list_order():

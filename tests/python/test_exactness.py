@@ -1,5 +1,4 @@
 # The module steps worlds to the same bits as orrenvale-batch.
-import numpy as np
 import pytest
 
 import orrenvale
@@ -46,14 +45,3 @@ def test_plain_log_line_is_the_documented_format():
         "0.000000\t0.000000\t0.000000\n"
     )
     assert orrenvale.World().log_line() == "0.000000\n"
-
-
-def test_steps_in_one_call_equal_steps_one_at_a_time():
-    a = orrenvale.World.load(EXAMPLES[0])
-    b = orrenvale.World.load(EXAMPLES[0])
-    a.step(300)
-    for _ in range(300):
-        b.step()
-    for name, array in a.state().items():
-        assert np.array_equal(array, b.state()[name]), name
-    assert a.elapsed_time == b.elapsed_time

@@ -10,20 +10,17 @@ import orrenvale
 from conftest import random_world, two_body_world
 
 
-def test_callback_runs_every_k_steps_and_after_the_last():
+def test_callback_runs_every_k_steps_and_after_the_last_and_can_end_the_run():
     w = two_body_world()
     calls = []
     assert w.step(10, callback=lambda world, done: calls.append((world is w, done)), every=4) == 10
     assert calls == [(True, 4), (True, 8), (True, 10)]
-
-
-def test_returning_true_stops_the_run_and_an_exception_ends_it():
-    w = two_body_world()
+    # True (of any type) stops the run; an exception ends it.
     assert w.step(100, callback=lambda world, done: done >= 30, every=10) == 30
     assert w.step(100, callback=lambda world, done: np.int64(done) >= 20, every=10) == 20
     with pytest.raises(ZeroDivisionError):
         w.step(100, callback=lambda world, done: 1 / 0, every=10)
-    assert w.elapsed_time == sum([w.time_step] * 60)
+    assert w.elapsed_time == sum([w.time_step] * 70)
 
 
 # Changes a callback may make between two steps.
@@ -115,7 +112,7 @@ def test_recording_has_a_frame_per_k_steps_and_nan_after_a_merge():
     assert early.steps.tolist() == [0, 10, 20] and early.states.shape == (3, 1, 10)
 
 
-def test_recording_memory_is_bounded_before_any_step():
+def test_recording_memory_and_step_counts_are_checked_before_any_step():
     w = random_world(10)
     # 1001 frames of 10 bodies at 80 bytes per body and 16 per frame.
     assert len(w.record(1000, max_bytes=1001 * (10 * 80 + 16))) == 1001
@@ -123,12 +120,7 @@ def test_recording_memory_is_bounded_before_any_step():
         w.record(1000, max_bytes=1001 * (10 * 80 + 16) - 1)
     with pytest.raises(ValueError):
         w.record(2**62)
-    assert w.elapsed_time == sum([w.time_step] * 1000)
-
-
-def test_bad_step_counts_raise():
-    w = two_body_world()
     for args in ((-1,), (5, None, 0)):
         with pytest.raises(ValueError):
             w.step(*args)
-    assert w.elapsed_time == 0
+    assert w.elapsed_time == sum([w.time_step] * 1000)

@@ -7,41 +7,34 @@
 
 namespace {
 
-// Hit records: name count, minimum depth, maximum depth, names.
-TEST(SelectionHits, HitReachingFarthestWins) {
-  const std::vector<uint32_t> records = {1, 10, 50, 100, 1, 20, 90, 101, 1, 5, 60, 102};
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, 3), 101u);
+struct HitCase {
+  const char* name;
+  std::vector<uint32_t> records;  // name count, minimum depth, maximum depth, names
+  int hits;
+  uint32_t selected;
+};
+
+class SelectionHits : public ::testing::TestWithParam<HitCase> {};
+
+TEST_P(SelectionHits, NamedHitReachingFarthestIsSelected) {
+  EXPECT_EQ(farthestNamedHit(GetParam().records.data(), 16, GetParam().hits), GetParam().selected);
 }
 
-TEST(SelectionHits, DepthsCompareUnsigned) {
-  const std::vector<uint32_t> records = {1, 0x10000000, 0x20000000, 100,
-                                         1, 0x80000000, 0xF0000000, 101};
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, 2), 101u);
-}
-
-TEST(SelectionHits, OnEqualDepthsTheEarlierRecordStays) {
-  const std::vector<uint32_t> records = {1, 10, 70, 100, 1, 30, 70, 101};
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, 2), 100u);
-}
-
-// Lines drawn before the first body leave records with an empty name stack.
-TEST(SelectionHits, RecordsWithoutANameAreSkipped) {
-  const std::vector<uint32_t> records = {0, 1, 0xFFFFFFFF, 1, 40, 50, 103, 0, 2, 0xFFFFFFFF};
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, 3), 103u);
-  const std::vector<uint32_t> onlyLines = {0, 1, 2, 0, 3, 4};
-  EXPECT_EQ(farthestNamedHit(onlyLines.data(), 16, 2), 0u);
-}
-
-TEST(SelectionHits, RecordsAreSteppedByTheirOwnNameCounts) {
-  const std::vector<uint32_t> records = {2, 10, 20, 100, 555, 1, 15, 30, 101};
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, 2), 101u);
-}
-
-TEST(SelectionHits, NoHitOrOverflowSelectsNothing) {
-  const std::vector<uint32_t> records = {1, 10, 20, 100};
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, 0), 0u);
-  EXPECT_EQ(farthestNamedHit(records.data(), 16, -1), 0u);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Records, SelectionHits,
+    ::testing::Values(
+        HitCase{"FarthestWins", {1, 10, 50, 100, 1, 20, 90, 101, 1, 5, 60, 102}, 3, 101},
+        HitCase{"DepthsCompareUnsigned",
+                {1, 0x10000000, 0x20000000, 100, 1, 0x80000000, 0xF0000000, 101},
+                2,
+                101},
+        HitCase{"EarlierStaysOnEqualDepths", {1, 10, 70, 100, 1, 30, 70, 101}, 2, 100},
+        // Lines drawn before the first body leave records with no name.
+        HitCase{"UnnamedSkipped", {0, 1, 0xFFFFFFFF, 1, 40, 50, 103, 0, 2, 0xFFFFFFFF}, 3, 103},
+        HitCase{"OnlyUnnamed", {0, 1, 2, 0, 3, 4}, 2, 0},
+        HitCase{"SteppedByTheirOwnNameCounts", {2, 10, 20, 100, 555, 1, 15, 30, 101}, 2, 101},
+        HitCase{"NoHit", {1, 10, 20, 100}, 0, 0}, HitCase{"Overflow", {1, 10, 20, 100}, -1, 0}),
+    [](const auto& p) { return std::string(p.param.name); });
 
 // A hit count or name count that reaches past the buffer stops the reading
 // at the last complete record; the exact-size array lets the sanitizer catch

@@ -47,50 +47,14 @@ TEST(Trackball, DragTurnsTwiceTheAngleOnTheSphere) {
   EXPECT_NEAR(m[10], 0.5, kUnitRounding);
 }
 
-struct DragDirection {
-  const char* name;
-  double dx;
-  double dy;    // pixels, downwards positive
-  int screenX;  // expected sign of the front point's x after the drag
-  int screenY;  // expected sign of its y (upwards positive)
-};
-
-class TrackballDirection : public ::testing::TestWithParam<DragDirection> {};
-
-// With the camera looking down -z, the point nearest the viewer follows the
-// pointer.
-TEST_P(TrackballDirection, SceneTurnsTheWayThePointerMoves) {
-  const DragDirection d = GetParam();
-  Trackball tb = sized(300, 200);
-  tb.beginDrag(150, 100);
-  for (int i = 1; i <= 4; ++i) {
-    tb.drag(150 + d.dx * i / 4, 100 + d.dy * i / 4);
-  }
-  tb.endDrag(0, 0);
-  const auto m = tb.glMatrix();
-  const auto sign = [](double v) { return v > 1e-9 ? 1 : (v < -1e-9 ? -1 : 0); };
-  EXPECT_EQ(sign(m[8]), d.screenX);
-  EXPECT_EQ(sign(m[9]), d.screenY);
-}
-
-INSTANTIATE_TEST_SUITE_P(Directions, TrackballDirection,
-                         ::testing::Values(DragDirection{"Right", 60, 0, 1, 0},
-                                           DragDirection{"Left", -60, 0, -1, 0},
-                                           DragDirection{"Up", 0, -60, 0, 1},
-                                           DragDirection{"Down", 0, 60, 0, -1}),
-                         [](const auto& p) { return std::string(p.param.name); });
-
 // Whatever does not move the pointer while a drag is on leaves the rotation
-// as it was; so does dragging after the drag has ended.
+// as it was; so do the release, wherever it is, and dragging after it.
 TEST(Trackball, RotationChangesOnlyWhenTheDraggedPointerMoves) {
   Trackball tb = sized(200, 200);
   tb.rotation = Quaternion(0.3, -0.2, 0.5);
   const Quaternion before = tb.rotation;
   const auto expectUnchanged = [&] {
-    EXPECT_NEAR(tb.rotation.w, before.w, kUnitRounding);
-    EXPECT_NEAR(tb.rotation.v.x, before.v.x, kUnitRounding);
-    EXPECT_NEAR(tb.rotation.v.y, before.v.y, kUnitRounding);
-    EXPECT_NEAR(tb.rotation.v.z, before.v.z, kUnitRounding);
+    EXPECT_NEAR((tb.rotation - before).norm(), 0, kUnitRounding);
   };
   tb.beginDrag(40, 170);
   tb.endDrag(40, 170);
@@ -99,8 +63,8 @@ TEST(Trackball, RotationChangesOnlyWhenTheDraggedPointerMoves) {
   tb.beginDrag(40, 170);
   tb.drag(40, 170);
   tb.drag(40, 170);
+  tb.endDrag(190, 10);
   expectUnchanged();
-  tb.endDrag(40, 170);
 
   tb.drag(190, 10);
   expectUnchanged();
