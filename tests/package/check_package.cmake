@@ -45,7 +45,8 @@ elseif(CHECK STREQUAL "HoldsEveryFileAndNoOther")
     usr/share/metainfo/org.orrenvale.Orrenvale.metainfo.xml
     usr/share/man/man1/orrenvale.1.gz
     usr/share/man/man1/orrenvale-batch.1.gz
-    usr/share/doc/orrenvale/README.md)
+    usr/share/doc/orrenvale/README.md
+    usr/share/doc/orrenvale/copyright)
   file(GLOB examples RELATIVE ${EXAMPLES} ${EXAMPLES}/*.ovd)
   list(TRANSFORM examples PREPEND usr/share/orrenvale/examples/)
   list(APPEND expected ${examples})
