@@ -70,7 +70,7 @@ elseif(CHECK STREQUAL "HoldsEveryFileAndNoOther")
 elseif(CHECK STREQUAL "DependsOnTheLibrariesItLinks")
   # The C library and Qt appear only when dpkg-shlibdeps read the binaries.
   run(dpkg-deb -f ${deb} Depends)
-  foreach(library IN ITEMS libc6 libqt6core6 libqt6widgets6 libglu1-mesa)
+  foreach(library IN ITEMS libc6 libqt6core6 libqt6widgets6 libglu1-mesa libavcodec59)
     if(NOT out MATCHES "(^|[ ,])${library}[ ,(]")
       message(FATAL_ERROR "Depends lacks ${library}: '${out}'")
     endif()
