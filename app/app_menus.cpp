@@ -41,6 +41,7 @@ AppMenus::AppMenus(QObject* parent) : QObject(parent), owner_(new QWidget) {
   file->addSeparator();
   menuFilePrint =
       addItem(file, "menuFilePrint", "&Print View...", QKeySequence(Qt::CTRL | Qt::Key_P));
+  menuFileMovie = addItem(file, "menuFileMovie", "Export View as &Movie...");
   file->addSeparator();
   menuFileCloseWindow =
       addItem(file, "menuFileCloseWindow", "&Close Window", QKeySequence(Qt::CTRL | Qt::Key_W));
@@ -84,6 +85,11 @@ AppMenus::AppMenus(QObject* parent) : QObject(parent), owner_(new QWidget) {
   menuBodySpacer->setObjectName("menuBodySpacer");
   menuBody = bodyMenu_->menuAction();
   menuBody->setObjectName("menuBody");
+
+  auto* help = new QMenu("&Help", owner_);
+  menus.push_back(help);
+  menuHelpAbout = addItem(help, "menuHelpAbout", "&About Orrenvale");
+  menuHelpManual = addItem(help, "menuHelpManual", "Orrenvale &Help", QKeySequence::HelpContents);
 
   // No view window is main yet.
   togglePrintEtcEnabled(false);
@@ -161,8 +167,8 @@ void AppMenus::showSimulationState(bool running, bool editing) {
 
 void AppMenus::togglePrintEtcEnabled(bool enabled) {
   for (QAction* action :
-       {menuFilePrint, menuViewTIFF, menuDeleteThis, menuPanDown, menuPanLeft, menuPanRight,
-        menuPanUp, menuSelectNext, menuSelectPrev, menuZin, menuZout}) {
+       {menuFilePrint, menuFileMovie, menuViewTIFF, menuDeleteThis, menuPanDown, menuPanLeft,
+        menuPanRight, menuPanUp, menuSelectNext, menuSelectPrev, menuZin, menuZout}) {
     action->setEnabled(enabled);
   }
 }

@@ -40,8 +40,8 @@ class AppMenus : public QObject {
   // Step only while stopped outside design mode; Design Mode is checked in
   // it; Edit Current and Revert only outside it.
   void showSimulationState(bool running, bool editing);
-  // The eleven items that need a main view window (print, export, pan,
-  // zoom, select and delete).
+  // The items that need a main view window (print, the exports, pan, zoom,
+  // select and delete).
   void togglePrintEtcEnabled(bool enabled);
   // Checks the pan plane item that matches the code and no other.
   void showPanType(int panType);
@@ -82,6 +82,9 @@ class AppMenus : public QObject {
   QAction* menuViewYZ = nullptr;
   QAction* menuFilePrint = nullptr;
   QAction* menuViewTIFF = nullptr;
+  QAction* menuFileMovie = nullptr;
+  QAction* menuHelpAbout = nullptr;
+  QAction* menuHelpManual = nullptr;
   QAction* menuDeleteThis = nullptr;
   QAction* menuPanDown = nullptr;
   QAction* menuPanLeft = nullptr;
@@ -95,7 +98,7 @@ class AppMenus : public QObject {
   QAction* menuBody = nullptr;
 
   // Adds a menu of the application at a place in the menu bar (Edit after
-  // File, Help at the end); the menus own it.
+  // File); the menus own it.
   QMenu* addMenu(const QString& title, std::size_t position);
 
   // The menus, in menu-bar order.

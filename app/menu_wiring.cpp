@@ -7,6 +7,8 @@
 #include "app_menus.h"
 #include "controller.h"
 #include "design_history.h"
+#include "help_commands.h"
+#include "movie_recorder.h"
 
 void Controller::connectMenus() {
   AppMenus& m = *menus_;
@@ -57,6 +59,13 @@ void Controller::connectMenus() {
             [this, command] { handleViewKeyCommands(command); });
   }
   on(m.menuViewTIFF, &Controller::exportTIFF);
+  connect(m.menuFileMovie, &QAction::triggered, this, [this] {
+    if (OrrenvaleGL* view = currentGLView()) {
+      exportViewAsMovie(*view);
+    }
+  });
+  connect(m.menuHelpAbout, &QAction::triggered, this, [] { showAbout(nullptr); });
+  connect(m.menuHelpManual, &QAction::triggered, this, [] { openHelp(); });
   on(m.menuBodyCreateBody, &Controller::newBody);
   // Deletes the selected body of the current view, as the view's delete
   // command does; without a main view window it does nothing.

@@ -1,11 +1,13 @@
 #include "qt_panels.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFormLayout>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QImage>
 #include <QMessageBox>
 #include <QPainter>
@@ -13,6 +15,7 @@
 #include <QPrinter>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace {
@@ -25,6 +28,21 @@ void attachAccessory(QFileDialog& dialog, QWidget* accessory) {
   if (auto* grid = qobject_cast<QGridLayout*>(dialog.layout())) {
     grid->addWidget(accessory, grid->rowCount(), 0, 1, grid->columnCount());
   }
+}
+
+// A save panel that asks for files of one kind: the suffix is added to a
+// name typed without it, and the filter shows only such files.
+void requireSuffix(QFileDialog& dialog, const QString& suffix, const QString& kind) {
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  if (suffix.isEmpty()) {
+    return;
+  }
+  dialog.setDefaultSuffix(suffix);
+  QString patterns = "*." + suffix;
+  if (suffix == "tiff") {
+    patterns += " *.tif";
+  }
+  dialog.setNameFilter(QString("%1 %2 (%3)").arg(suffix.toUpper(), kind, patterns));
 }
 
 QCheckBox* addCheckBox(QWidget* accessory, const char* objectName, const QString& title) {
@@ -63,7 +81,45 @@ class DialogProgress : public Panels::Progress {
   QProgressDialog dialog_;
 };
 
+// The same bar in a window that leaves the rest of the program running.
+// Cancel (or closing the window) reaches the caller from the event loop,
+// never from inside the dialog's own signal, so the caller may delete this
+// object in answer.
+class WindowProgress : public Panels::Progress {
+ public:
+  WindowProgress(QWidget* parent, const QString& title, std::function<void()> cancelled)
+      : dialog_(parent) {
+    dialog_.setWindowTitle(title);
+    dialog_.setRange(0, kProgressSteps);
+    dialog_.setMinimumDuration(0);
+    dialog_.setAutoClose(false);
+    dialog_.setAutoReset(false);
+    dialog_.setWindowModality(Qt::NonModal);
+    // Above the view windows, like the palettes.
+    dialog_.setWindowFlag(Qt::WindowStaysOnTopHint, true);
+    QObject::connect(&dialog_, &QProgressDialog::canceled, &dialog_, std::move(cancelled),
+                     Qt::QueuedConnection);
+    dialog_.show();
+  }
+  bool update(double fraction, const QString& text) override {
+    if (dialog_.labelText() != text) {
+      dialog_.setLabelText(text);
+    }
+    dialog_.setValue(static_cast<int>(fraction * kProgressSteps));
+    return !dialog_.wasCanceled();
+  }
+
+ private:
+  QProgressDialog dialog_;
+};
+
 }  // namespace
+
+std::unique_ptr<Panels::Progress> QtPanels::openModelessProgress(QWidget* parent,
+                                                                 const QString& title,
+                                                                 std::function<void()> cancelled) {
+  return std::make_unique<WindowProgress>(parent, title, std::move(cancelled));
+}
 
 std::unique_ptr<Panels::Progress> QtPanels::openProgress(QWidget* parent, const QString& title) {
   return std::make_unique<DialogProgress>(parent, title);
@@ -159,15 +215,7 @@ std::optional<QString> QtPanels::runSaveFilePanel(QWidget* parent, const QString
   QFileDialog dialog(parent, title);
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   prepareModalDialog(dialog);
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  if (!requiredSuffix.isEmpty()) {
-    dialog.setDefaultSuffix(requiredSuffix);
-    QString patterns = "*." + requiredSuffix;
-    if (requiredSuffix == "tiff") {
-      patterns += " *.tif";
-    }
-    dialog.setNameFilter(QString("%1 files (%2)").arg(requiredSuffix.toUpper(), patterns));
-  }
+  requireSuffix(dialog, requiredSuffix, "files");
   const std::optional<QString> path = runFileDialog(dialog);
   if (!path) {
     return std::nullopt;
@@ -196,6 +244,49 @@ bool QtPanels::printImage(QWidget* parent, const QImage& image) {
 
 void QtPanels::alert(QWidget* parent, const QString& title, const QString& message) {
   QMessageBox box(QMessageBox::Warning, title, message, QMessageBox::NoButton, parent);
+  box.addButton("OK", QMessageBox::AcceptRole);
+  prepareModalDialog(box);
+  box.exec();
+}
+
+std::optional<Panels::MovieChoice> QtPanels::runMoviePanel(QWidget* parent, const QString& suffix) {
+  QFileDialog dialog(parent, "Export View as Movie");
+  requireSuffix(dialog, suffix, "movies");
+  auto* accessory = new QWidget;
+  auto* form = new QFormLayout(accessory);
+  auto* length = new QSpinBox;
+  length->setObjectName("movieLength");
+  // An hour at 24 frames a second, or as many frames.
+  length->setRange(1, 86400);
+  length->setValue(lastMovie_.length);
+  auto* unit = new QComboBox;
+  unit->setObjectName("movieLengthUnit");
+  unit->addItems({"seconds", "frames"});
+  unit->setCurrentIndex(lastMovie_.inSeconds ? 0 : 1);
+  auto* lengthRow = new QHBoxLayout;
+  lengthRow->addWidget(length);
+  lengthRow->addWidget(unit);
+  form->addRow("Length:", lengthRow);
+  auto* rate = new QSpinBox;
+  rate->setObjectName("movieFrameRate");
+  rate->setRange(1, 120);
+  rate->setValue(lastMovie_.framesPerSecond);
+  rate->setSuffix(" frames per second");
+  form->addRow("Frame rate:", rate);
+  attachAccessory(dialog, accessory);
+  const std::optional<QString> path = runFileDialog(dialog);
+  if (!path) {
+    return std::nullopt;
+  }
+  lastMovie_ = MovieChoice{withSuffix(*path, suffix), length->value(), unit->currentIndex() == 0,
+                           rate->value()};
+  return lastMovie_;
+}
+
+void QtPanels::about(QWidget* parent, const QString& title, const QString& text) {
+  QMessageBox box(QMessageBox::NoIcon, title, text, QMessageBox::NoButton, parent);
+  box.setTextFormat(Qt::RichText);
+  box.setIconPixmap(QApplication::windowIcon().pixmap(64));
   box.addButton("OK", QMessageBox::AcceptRole);
   prepareModalDialog(box);
   box.exec();

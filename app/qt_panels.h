@@ -17,6 +17,10 @@ class QtPanels : public Panels {
   bool printImage(QWidget* parent, const QImage& image) override;
   void alert(QWidget* parent, const QString& title, const QString& message) override;
   std::unique_ptr<Progress> openProgress(QWidget* parent, const QString& title) override;
+  std::optional<MovieChoice> runMoviePanel(QWidget* parent, const QString& suffix) override;
+  std::unique_ptr<Progress> openModelessProgress(QWidget* parent, const QString& title,
+                                                 std::function<void()> cancelled) override;
+  void about(QWidget* parent, const QString& title, const QString& text) override;
 
   // The path with the suffix added unless it already ends in it (or, for
   // "tiff", in the short form ".tif"), ignoring case.
@@ -34,4 +38,5 @@ class QtPanels : public Panels {
 
   // Kept for this run of the program only: it stores no preferences.
   QString lastFolder_;
+  MovieChoice lastMovie_;
 };

@@ -44,15 +44,17 @@ OrrenvaleGLWindowController* Controller::newWindow() {
 
 void Controller::setWindowTitleAndMinSize(QWidget* window, const QString& title) {
   // Window managers draw titles in a bold font; measured so, with room for
-  // the window's icon and buttons, the whole title shows. A view window also
-  // shows its whole menu bar.
+  // the window's icon and buttons, the whole title shows. The minimum is
+  // that width both ways; a view window is also wide enough for its whole
+  // menu bar, which asks nothing of its height.
   QFont titleFont = window->font();
   titleFont.setBold(true);
-  int width = QFontMetrics(titleFont).horizontalAdvance(title) + kTitleBarButtons;
+  const int titleWidth = QFontMetrics(titleFont).horizontalAdvance(title) + kTitleBarButtons;
+  int width = titleWidth;
   if (auto* main = qobject_cast<QMainWindow*>(window)) {
     width = std::max(width, main->menuBar()->sizeHint().width());
   }
-  setBoundedMinimumSize(window, QSize(width, width));
+  setBoundedMinimumSize(window, QSize(width, titleWidth));
   if (window->windowTitle() != title) {
     window->setWindowTitle(title);
   }

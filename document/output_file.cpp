@@ -222,6 +222,22 @@ bool OutputFile::write(const char* data, std::size_t size) {
   return true;
 }
 
+qint64 OutputFile::seek(qint64 offset, int whence) {
+  if (error_ != 0) {
+    return -1;
+  }
+  if (fd_ < 0 || tempPath_.isEmpty()) {
+    fail(fd_ < 0 ? EBADF : ESPIPE);
+    return -1;
+  }
+  const off_t position = lseek(fd_, static_cast<off_t>(offset), whence);
+  if (position < 0) {
+    fail(errno);
+    return -1;
+  }
+  return position;
+}
+
 bool OutputFile::commit() {
   if (error_ != 0) {
     return false;

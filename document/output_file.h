@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtGlobal>
 #include <cstddef>
 
 // The system's text for an errno value ("No space left on device").
@@ -41,6 +42,11 @@ class OutputFile {
   bool write(const QByteArray& bytes) {
     return write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
   }
+  // Moves the write position of a new file, as lseek does with SEEK_SET,
+  // SEEK_CUR or SEEK_END, for formats that fill in a header once the rest
+  // is written. A stream cannot go back: it fails with "Illegal seek". The
+  // new position, or -1 after a failure (then nothing more is written).
+  qint64 seek(qint64 offset, int whence);
   // Makes the output final: a replacing file is synced, closed and renamed
   // over the old one; a stream is closed. False when any step failed.
   bool commit();

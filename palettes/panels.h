@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -45,6 +46,16 @@ class Panels {
   virtual std::optional<QString> runSaveFilePanel(QWidget* parent, const QString& title,
                                                   const QString& requiredSuffix) = 0;
 
+  struct MovieChoice {
+    QString path;  // with the movie's suffix added when it had none
+    int length = 10;
+    bool inSeconds = true;  // length in seconds of the movie, or in frames
+    int framesPerSecond = 24;
+  };
+  // The "Export View as Movie" panel: the file name (suffix "mp4" or
+  // "webm"), the movie's length in seconds or frames, and its frame rate.
+  virtual std::optional<MovieChoice> runMoviePanel(QWidget* parent, const QString& suffix) = 0;
+
   // Runs the print dialog and prints the image; false when cancelled.
   virtual bool printImage(QWidget* parent, const QImage& image) = 0;
 
@@ -62,6 +73,15 @@ class Panels {
     virtual bool update(double fraction, const QString& text) = 0;
   };
   virtual std::unique_ptr<Progress> openProgress(QWidget* parent, const QString& title) = 0;
+  // A progress window for work that goes on while the program runs as
+  // usual (a movie recorded as the view draws): it blocks nothing, and its
+  // Cancel button, or closing it, calls cancelled. update() only shows how
+  // far the work has come; it goes when the object goes.
+  virtual std::unique_ptr<Progress> openModelessProgress(QWidget* parent, const QString& title,
+                                                         std::function<void()> cancelled) = 0;
+
+  // The About box: the rich text beside the program's icon, with "OK".
+  virtual void about(QWidget* parent, const QString& title, const QString& text) = 0;
 
   // The colour chooser of the palettes' colour wells; nothing on cancel. The
   // default runs the standard colour dialog, so implementations need only

@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libbenchmark-dev
   clang libclang-rt-14-dev
   qt6-base-dev libqt6opengl6-dev qt6-image-formats-plugins
+  libavcodec-dev libavformat-dev libswscale-dev libavutil-dev ffmpeg
   libgl1-mesa-dri libglu1-mesa-dev
   xvfb xauth fonts-dejavu-core
   libxcb1-dev

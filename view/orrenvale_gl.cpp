@@ -3,6 +3,7 @@
 #include <GL/glu.h>
 
 #include <QApplication>
+#include <QMetaMethod>
 #include <QOpenGLContext>
 #include <QTimer>
 #include <chrono>
@@ -58,6 +59,9 @@ void OrrenvaleGL::initializeGL() {
 
 void OrrenvaleGL::paintGL() {
   drawRect();
+  if (isSignalConnected(QMetaMethod::fromSignal(&OrrenvaleGL::frameDrawn))) {
+    emit frameDrawn(readFrame());
+  }
 }
 
 void OrrenvaleGL::resizeGL(int /*w*/, int /*h*/) {}
@@ -212,23 +216,33 @@ void OrrenvaleGL::zoomCamera(double z) {
 }
 
 QImage OrrenvaleGL::captureView() {
+  if (context() == nullptr) {
+    QImage image(static_cast<int>(width() * devicePixelRatio()),
+                 static_cast<int>(height() * devicePixelRatio()), QImage::Format_RGBX8888);
+    image.fill(Qt::black);
+    return image;
+  }
+  makeCurrent();
+  drawRect();
+  QImage image = readFrame();
+  doneCurrent();
+  return image;
+}
+
+QImage OrrenvaleGL::readFrame() {
   const qreal ratio = devicePixelRatio();
   const int w = static_cast<int>(width() * ratio);
   const int h = static_cast<int>(height() * ratio);
   // Four bytes a pixel, red, green, blue and an unused byte: the layout
   // OpenGL reads back, so every row is 4 * w bytes.
   QImage image(w, h, QImage::Format_RGBX8888);
-  if (context() == nullptr || image.isNull()) {
-    image.fill(Qt::black);
+  if (image.isNull()) {
     return image;
   }
-  makeCurrent();
-  drawRect();
   // The frame is read from the view's own framebuffer right after drawing,
   // before Qt presents it, so it is the frame just drawn.
   glPixelStorei(GL_PACK_ALIGNMENT, 4);
   glReadPixels(0, 0, w, h, GL_RGBA, GL_UNSIGNED_BYTE, image.bits());
-  doneCurrent();
   // The alpha channel holds what was drawn with alpha (the background and the
   // axis marker with 0); the image has none, so the byte is set opaque.
   uchar* bytes = image.bits();
@@ -236,7 +250,8 @@ QImage OrrenvaleGL::captureView() {
     bytes[i] = 0xff;
   }
   // OpenGL returns the bottom row first. The rows are turned over here, once,
-  // so that every use (file export, printing) gets the view as it is shown.
+  // so that every use (file export, printing, movies) gets the view as it is
+  // shown.
   image = std::move(image).mirrored();
   image.setDevicePixelRatio(ratio);
   return image;

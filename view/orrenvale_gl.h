@@ -64,6 +64,11 @@ class OrrenvaleGL : public QOpenGLWidget {
   // alpha. A view that has never been shown gives a black image.
   QImage captureView();
 
+ signals:
+  // Every frame the view draws, as captureView gives it; read back from
+  // OpenGL only while something is connected (a movie being recorded).
+  void frameDrawn(const QImage& frame);
+
  protected:
   void initializeGL() override;
   void paintGL() override;
@@ -80,6 +85,9 @@ class OrrenvaleGL : public QOpenGLWidget {
 
  private:
   void redrawWindow();
+  // The frame in the view's framebuffer, upright; the context must be
+  // current.
+  QImage readFrame();
   void prepareOpenGL();
   void releaseOpenGL();
   void multiplyFrustum() const;

@@ -6,6 +6,7 @@
 #include <QTest>
 #include <QTimer>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -41,7 +42,10 @@ class ScriptedPanels : public Panels {
     printed = image;
     return true;
   }
-  void alert(QWidget*, const QString& title, const QString&) override { alerts.push_back(title); }
+  void alert(QWidget*, const QString& title, const QString& message) override {
+    alerts.push_back(title);
+    alertMessages.push_back(message);
+  }
   // A progress panel that counts its updates and is cancelled at the
   // cancelProgressAt-th one (never when 0).
   std::unique_ptr<Progress> openProgress(QWidget*, const QString& title) override {
@@ -56,16 +60,36 @@ class ScriptedPanels : public Panels {
     };
     return std::make_unique<Scripted>(*this);
   }
+  // The same, whose Cancel button the test presses by calling
+  // pressCancel().
+  std::unique_ptr<Progress> openModelessProgress(QWidget* parent, const QString& title,
+                                                 std::function<void()> cancelled) override {
+    pressCancel = std::move(cancelled);
+    return openProgress(parent, title);
+  }
+  std::optional<MovieChoice> runMoviePanel(QWidget*, const QString& suffix) override {
+    lastFileSuffix = suffix;
+    return take(movies);
+  }
+  void about(QWidget*, const QString& title, const QString& text) override {
+    aboutTitle = title;
+    aboutText = text;
+  }
 
   Answer confirmAnswer = Answer::DontSave;
   int confirmations = 0;
   std::deque<OpenChoice> opens;
   std::deque<SaveChoice> saves;
   std::deque<QString> files;
+  std::deque<MovieChoice> movies;
+  std::function<void()> pressCancel;
+  QString aboutTitle;
+  QString aboutText;
   QString lastFileTitle;
   QString lastFileSuffix;
   QImage printed;
   std::vector<QString> alerts;
+  std::vector<QString> alertMessages;
   std::vector<QString> progressTitles;
   std::vector<QString> progressTexts;
   int cancelProgressAt = 0;

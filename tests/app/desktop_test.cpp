@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -15,8 +16,10 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProcess>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -259,6 +262,45 @@ TEST_F(Desktop, FilePanelsStartOnAllFilesInTheFolderLastUsed) {
   EXPECT_EQ(QtPanels::withSuffix("/a/view.TIFF", "tiff"), "/a/view.TIFF");
   EXPECT_EQ(QtPanels::withSuffix("/a/view", "tiff"), "/a/view.tiff");
   EXPECT_EQ(QtPanels::withSuffix("/a/world.tif", "ovd"), "/a/world.tif.ovd");
+}
+
+// The movie panel's own controls give the length, its unit and the frame
+// rate; its progress window leaves the program's timers running (no modal
+// window) and reports Cancel from the event loop.
+TEST_F(Desktop, MoviePanelAndItsProgressWindow) {
+  QTemporaryDir dir;
+  whenModalDialogShows(
+      [&](QWidget* panel) {
+        panel->findChild<QSpinBox*>("movieLength")->setValue(3);
+        panel->findChild<QComboBox*>("movieLengthUnit")->setCurrentIndex(1);
+        panel->findChild<QSpinBox*>("movieFrameRate")->setValue(30);
+        // Typed as a user types it: the name field has the focus.
+        panel->findChild<QLineEdit*>("fileNameEdit")->setText(dir.filePath("clip"));
+      },
+      [](QWidget* panel) { static_cast<QDialog*>(panel)->accept(); });
+  const std::optional<Panels::MovieChoice> choice = panels.runMoviePanel(nullptr, "mp4");
+  ASSERT_TRUE(choice.has_value());
+  EXPECT_EQ(choice->path, dir.filePath("clip.mp4"));
+  EXPECT_EQ(choice->length, 3);
+  EXPECT_FALSE(choice->inSeconds);
+  EXPECT_EQ(choice->framesPerSecond, 30);
+
+  bool cancelled = false;
+  auto progress = panels.openModelessProgress(nullptr, "Export View as Movie",
+                                              [&cancelled] { cancelled = true; });
+  EXPECT_TRUE(progress->update(0.5, "Recording frame 2 of 4"));
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  QProgressDialog* dialog = nullptr;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (auto* shown = qobject_cast<QProgressDialog*>(window); shown && shown->isVisible()) {
+      dialog = shown;
+    }
+  }
+  ASSERT_NE(dialog, nullptr);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+  QTest::mouseClick(dialog->findChild<QPushButton*>(), Qt::LeftButton);
+  WAIT_UNTIL(cancelled);
+  EXPECT_FALSE(progress->update(0.75, "Recording frame 3 of 4"));
 }
 
 TEST_F(Desktop, MenusStayReachableWithoutViewWindowAndSimulationPalette) {

@@ -45,7 +45,8 @@ elseif(CHECK STREQUAL "HoldsEveryFileAndNoOther")
     usr/share/metainfo/org.orrenvale.Orrenvale.metainfo.xml
     usr/share/man/man1/orrenvale.1.gz
     usr/share/man/man1/orrenvale-batch.1.gz
-    usr/share/doc/orrenvale/README.md)
+    usr/share/doc/orrenvale/README.md
+    usr/share/doc/orrenvale/copyright)
   file(GLOB examples RELATIVE ${EXAMPLES} ${EXAMPLES}/*.ovd)
   list(TRANSFORM examples PREPEND usr/share/orrenvale/examples/)
   list(APPEND expected ${examples})
@@ -69,7 +70,7 @@ elseif(CHECK STREQUAL "HoldsEveryFileAndNoOther")
 elseif(CHECK STREQUAL "DependsOnTheLibrariesItLinks")
   # The C library and Qt appear only when dpkg-shlibdeps read the binaries.
   run(dpkg-deb -f ${deb} Depends)
-  foreach(library IN ITEMS libc6 libqt6core6 libqt6widgets6 libglu1-mesa)
+  foreach(library IN ITEMS libc6 libqt6core6 libqt6widgets6 libglu1-mesa libavcodec59)
     if(NOT out MATCHES "(^|[ ,])${library}[ ,(]")
       message(FATAL_ERROR "Depends lacks ${library}: '${out}'")
     endif()

@@ -47,6 +47,14 @@ class ScriptedPanels : public Panels {
   void alert(QWidget*, const QString&, const QString&) override {}
   std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
   std::unique_ptr<Progress> openProgress(QWidget*, const QString&) override { return nullptr; }
+  std::unique_ptr<Progress> openModelessProgress(QWidget*, const QString&,
+                                                 std::function<void()>) override {
+    return nullptr;
+  }
+  std::optional<MovieChoice> runMoviePanel(QWidget*, const QString&) override {
+    return std::nullopt;
+  }
+  void about(QWidget*, const QString&, const QString&) override {}
 
   std::optional<QString> savePath;
   std::optional<QColor> color;

@@ -1,0 +1,114 @@
+#pragma once
+
+// Reads movies back with FFmpeg's own programs (Debian's ffmpeg package),
+// apart from the code that wrote them.
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QProcess>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+struct ProbedMovie {
+  QString codec;
+  QSize size;
+  int frames = 0;
+};
+
+// Runs ffprobe or ffmpeg; its standard output, or a test failure.
+inline QByteArray runFfmpegTool(const QString& program, const QStringList& arguments) {
+  QProcess process;
+  process.start(program, arguments);
+  if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit ||
+      process.exitCode() != 0) {
+    ADD_FAILURE() << program.toStdString() << " failed (it comes with Debian's ffmpeg package): "
+                  << process.errorString().toStdString() << ' '
+                  << process.readAllStandardError().toStdString();
+    return {};
+  }
+  return process.readAllStandardOutput();
+}
+
+// The video stream's codec, picture size and number of frames, counted by
+// decoding every one.
+inline ProbedMovie probeMovie(const QString& path) {
+  const QByteArray out =
+      runFfmpegTool("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_frames",
+                                "-show_entries", "stream=codec_name,width,height,nb_read_frames",
+                                "-of", "default=noprint_wrappers=1", path});
+  ProbedMovie movie;
+  int width = 0;
+  int height = 0;
+  for (const QByteArray& line : out.split('\n')) {
+    const QByteArray value = line.mid(line.indexOf('=') + 1);
+    if (line.startsWith("codec_name=")) {
+      movie.codec = QString::fromLatin1(value);
+    } else if (line.startsWith("width=")) {
+      width = value.toInt();
+    } else if (line.startsWith("height=")) {
+      height = value.toInt();
+    } else if (line.startsWith("nb_read_frames=")) {
+      movie.frames = value.toInt();
+    }
+  }
+  movie.size = QSize(width, height);
+  return movie;
+}
+
+// Frame `index` (from 0) of the movie in 8-bit RGB, as ffmpeg decodes and
+// converts it by the colour description the movie carries.
+inline QImage decodeFrame(const QString& path, int index, QSize pictureSize) {
+  const QByteArray rgb = runFfmpegTool(
+      "ffmpeg", {"-v", "error", "-i", path, "-vf", QString("select=eq(n\\,%1)").arg(index),
+                 "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"});
+  const int w = pictureSize.width();
+  const int h = pictureSize.height();
+  if (rgb.size() != qsizetype{3} * w * h) {
+    ADD_FAILURE() << "decoded " << rgb.size() << " bytes for a " << w << "x" << h << " frame";
+    return {};
+  }
+  return QImage(reinterpret_cast<const uchar*>(rgb.constData()), w, h, 3 * w, QImage::Format_RGB888)
+      .copy();
+}
+
+// How far a decoded frame is from the picture it was made from, over the
+// picture's area.
+struct FrameDifference {
+  // Mean absolute difference of the 8-bit channels over all pixels.
+  double mean = 0.0;
+  // Largest difference of one channel's mean over a block of 8 x 8 pixels.
+  double worstBlock = 0.0;
+};
+
+inline FrameDifference compareFrames(const QImage& decoded, const QImage& original) {
+  constexpr int kBlock = 8;
+  FrameDifference d;
+  const int w = original.width();
+  const int h = original.height();
+  double total = 0.0;
+  for (int by = 0; by + kBlock <= h; by += kBlock) {
+    for (int bx = 0; bx + kBlock <= w; bx += kBlock) {
+      double sums[3] = {};
+      for (int y = by; y < by + kBlock; ++y) {
+        for (int x = bx; x < bx + kBlock; ++x) {
+          const QRgb a = decoded.pixel(x, y);
+          const QRgb b = original.pixel(x, y);
+          const int diffs[3] = {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)};
+          for (int c = 0; c < 3; ++c) {
+            sums[c] += diffs[c];
+            total += std::abs(diffs[c]);
+          }
+        }
+      }
+      for (double sum : sums) {
+        d.worstBlock = std::max(d.worstBlock, std::abs(sum) / (kBlock * kBlock));
+      }
+    }
+  }
+  d.mean = total / (3.0 * (w / kBlock * kBlock) * (h / kBlock * kBlock));
+  return d;
+}
