@@ -80,6 +80,7 @@ class OrrenvaleGL : public QOpenGLWidget {
   void pan(int direction, bool vertical);
   void drawGridLattice(const World& world) const;
   void drawAxisMarker() const;
+  void drawTracePoints(const World& world) const;
   void drawBodies(const World& world, bool selecting) const;
 
   // Pointer handlers, fed from Qt's events; Ctrl + left button acts as the

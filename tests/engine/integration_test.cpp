@@ -249,6 +249,7 @@ std::vector<uint64_t> fullState(const World& world) {
     add(b.mass), add(b.radius), add(b.id), add(b.active), add(b.color[0]);
   });
   forEachItem<PositionPoint>(*world.tracePoints, [&](const PositionPoint& p) { add(p.x); });
+  add(static_cast<double>(world.traceFrames.frames().size()));
   add(world.elapsedTime), add(world.timeStep);
   return bits;
 }

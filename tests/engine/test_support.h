@@ -56,6 +56,11 @@ inline Vector vec(double x, double y, double z) {
   return Vector::of(x, y, z);
 }
 
+// A vector's components, for exact comparisons in expectations.
+inline std::vector<double> xyz(const Vector& v) {
+  return {v.x, v.y, v.z};
+}
+
 // n bodies at random in a cube of the given half side, G = 1: half-unit
 // radii and speeds of about 1. In a cube of half side 10 some pairs touch at
 // once and more come into contact within a few steps of 0.05.
