@@ -1,7 +1,9 @@
 #include "palettes/plot_axis.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 
@@ -34,6 +36,30 @@ double niceStep(double raw) {
 
 }  // namespace
 
+double plotLog2(double value) {
+  // value = m * 2^e with m in [sqrt(1/2), sqrt(2)); subnormals are scaled
+  // into the normal range first.
+  int e = 0;
+  if (value < 0x1p-1022) {
+    value *= 0x1p54;
+    e = -54;
+  }
+  const auto bits = std::bit_cast<uint64_t>(value);
+  e += static_cast<int>(bits >> 52) - 1023;
+  double m = std::bit_cast<double>((bits & 0x000fffffffffffffu) | 0x3ff0000000000000u);
+  if (m > 1.4142135623730951) {
+    m /= 2.0;
+    ++e;
+  }
+  // ln m = 2 atanh(s) = 2 (s + s^3/3 + s^5/5 + ...), s = (m - 1) / (m + 1),
+  // |s| <= 0.172: the terms after s^11/11 add less than 1e-10 to log2.
+  const double s = (m - 1.0) / (m + 1.0);
+  const double s2 = s * s;
+  const double series =
+      s * (1.0 + s2 * (1.0 / 3 + s2 * (1.0 / 5 + s2 * (1.0 / 7 + s2 * (1.0 / 9 + s2 / 11)))));
+  return e + 2.0 * series / 0.6931471805599453;
+}
+
 double AxisTicks::fraction(double value) const {
   if (!std::isfinite(value)) {
     return std::numeric_limits<double>::quiet_NaN();
@@ -42,7 +68,7 @@ double AxisTicks::fraction(double value) const {
     if (!(value > 0.0)) {
       return std::numeric_limits<double>::quiet_NaN();
     }
-    return (std::log10(value) - std::log10(lo)) / (std::log10(hi) - std::log10(lo));
+    return (plotLog2(value) - log2Lo) / (log2Hi - log2Lo);
   }
   return (value - lo) / (hi - lo);
 }
@@ -115,6 +141,8 @@ AxisTicks logAxis(double min, double max, int count) {
   axis.logarithmic = true;
   axis.lo = std::pow(10.0, first);
   axis.hi = std::pow(10.0, last);
+  axis.log2Lo = plotLog2(axis.lo);
+  axis.log2Hi = plotLog2(axis.hi);
   for (int k = first; k <= last; k += stride) {
     const double value = std::pow(10.0, k);
     axis.values.push_back(value);
