@@ -57,6 +57,7 @@ AppMenus::AppMenus(QObject* parent) : QObject(parent), owner_(new QWidget) {
   sim->addSeparator();
   menuSimPalette = addCheckItem(sim, "menuSimPalette", "Simulation &Palette");
   menuSimOutput = addCheckItem(sim, "menuSimOutput", "Text &Output");
+  menuSimGraphs = addCheckItem(sim, "menuSimGraphs", "&Graphs");
 
   menuViewNewView = addItem(view, "menuViewNewView", "&New View");
   menuViewPalette = addCheckItem(view, "menuViewPalette", "View &Palette");

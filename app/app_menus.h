@@ -77,6 +77,7 @@ class AppMenus : public QObject {
   QAction* menuSimRevert = nullptr;
   QAction* menuSimReset = nullptr;
   QAction* menuSimOutput = nullptr;
+  QAction* menuSimGraphs = nullptr;
   QAction* menuViewXY = nullptr;
   QAction* menuViewXZ = nullptr;
   QAction* menuViewYZ = nullptr;

@@ -17,6 +17,7 @@
 #include "opengl_check.h"
 #include "orrenvale_gl_window_controller.h"
 #include "palettes/body_window_controller.h"
+#include "palettes/graphs_window_controller.h"
 #include "palettes/panels.h"
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
@@ -92,9 +93,11 @@ Controller::Controller(Panels* dialogs) : panels_(dialogs) {
   bodyPalette_ = std::make_unique<BodyWindowController>();
   simPalette_ = std::make_unique<SimulationWindowController>();
   textPalette_ = std::make_unique<TextOutputController>();
+  graphsPalette_ = std::make_unique<GraphsWindowController>();
   placePalette(viewPalette_->window(), 4, 0);
   placePalette(bodyPalette_->window(), 34, 25);
   placePalette(simPalette_->window(), 64, 50);
+  placePalette(graphsPalette_->window(), 94, 75);
   windows_ = std::make_unique<ViewWindowRegistry>(ViewWindowRegistry::Hooks{
       [this](QMenuBar* bar) { populateMenuBar(bar); },
       [this](QWidget* window, const QString& title) { setWindowTitleAndMinSize(window, title); },
@@ -124,6 +127,7 @@ Controller::~Controller() {
   viewPalette_.reset();
   bodyPalette_.reset();
   textPalette_.reset();
+  graphsPalette_.reset();
   delete w;
   setViewHost(nullptr);
   menus_.reset();
@@ -262,6 +266,10 @@ bool Controller::textPaletteVisible() const {
   return menus_->menuSimOutput->isChecked();
 }
 
+bool Controller::graphsPaletteVisible() const {
+  return menus_->menuSimGraphs->isChecked();
+}
+
 void Controller::togglePalette(QObject* sender, QObject* palette, QWidget* window, QAction* item,
                                const std::function<void()>& becomeVisible,
                                const std::function<void()>& becomeInvisible) {
@@ -311,10 +319,18 @@ void Controller::showOutputPaletteFromMenu(QObject* sender) {
   togglePalette(sender, p, p->window(), menus_->menuSimOutput, {}, {});
 }
 
+void Controller::showGraphsPaletteFromMenu(QObject* sender) {
+  GraphsWindowController* p = graphsPalette_.get();
+  togglePalette(
+      sender, p, p->window(), menus_->menuSimGraphs, [p] { p->becomeVisible(); },
+      [p] { p->becomeInvisible(); });
+}
+
 void Controller::checkWindowsLeft(bool closedByUser) {
   QTimer::singleShot(0, this, [this, closedByUser] {
     const bool anyLeft = !windows_->windows().empty() || simPaletteVisible() ||
-                         viewPaletteVisible() || bodyPaletteVisible() || textPaletteVisible();
+                         viewPaletteVisible() || bodyPaletteVisible() || textPaletteVisible() ||
+                         graphsPaletteVisible();
     if (anyLeft) {
       return;
     }

@@ -16,6 +16,7 @@
 class AppMenus;
 class BodyWindowController;
 class DesignHistory;
+class GraphsWindowController;
 class PathPredictor;
 class OrrenvaleGL;
 class OrrenvaleGLWindowController;
@@ -63,12 +64,14 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   ViewWindowController* viewPaletteController() const { return viewPalette_.get(); }
   BodyWindowController* bodyPaletteController() const { return bodyPalette_.get(); }
   TextOutputController* textPaletteController() const { return textPalette_.get(); }
+  GraphsWindowController* graphsPaletteController() const { return graphsPalette_.get(); }
   const PlistDict& editState() const { return editState_; }
   // A palette is shown exactly while its menu item is checked.
   bool simPaletteVisible() const;
   bool viewPaletteVisible() const;
   bool bodyPaletteVisible() const;
   bool textPaletteVisible() const;
+  bool graphsPaletteVisible() const;
   QTimer* updateTimer() const;
   SplashWindow* splashWindow() const;
   AppMenus& menus() const { return *menus_; }
@@ -148,6 +151,7 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   void showViewPaletteFromMenu(QObject* sender) override;
   void showBodyPaletteFromMenu(QObject* sender) override;
   void showOutputPaletteFromMenu(QObject* sender) override;
+  void showGraphsPaletteFromMenu(QObject* sender) override;
 
   // The main view window: the view window activated last, or null.
   OrrenvaleGLWindowController* mainWindowController() const;
@@ -191,6 +195,7 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   std::unique_ptr<ViewWindowController> viewPalette_;
   std::unique_ptr<BodyWindowController> bodyPalette_;
   std::unique_ptr<TextOutputController> textPalette_;
+  std::unique_ptr<GraphsWindowController> graphsPalette_;
   std::unique_ptr<SimulationClock> clock_;
   std::unique_ptr<ViewWindowRegistry> windows_;
   QPointer<SplashWindow> splash_;

@@ -3,6 +3,7 @@
 #include "controller.h"
 #include "design_history.h"
 #include "engine/world.h"
+#include "palettes/graphs_window_controller.h"
 #include "palettes/panels.h"
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
@@ -13,6 +14,8 @@ void Controller::edit(QObject* /*sender*/) {
   if (editing_) {
     saveCurrentStateToDict(editState_, true, true, true);
     editing_ = false;
+    // The run starts here: the graphs' errors are measured from this state.
+    graphsPalette_->takeBaseline();
   } else {
     loadDesignState();
     editing_ = true;
@@ -53,6 +56,7 @@ void Controller::resetSim() {
   stopSim();
   textPalette_->clickClear(nullptr);
   textPalette_->clickEnd(nullptr);
+  graphsPalette_->clearHistory();
 }
 
 void Controller::resetSim(QObject* /*sender*/) {

@@ -46,6 +46,7 @@ void Controller::connectMenus() {
   };
   toggle(m.menuSimPalette, &Controller::showSimulationPaletteFromMenu);
   toggle(m.menuSimOutput, &Controller::showOutputPaletteFromMenu);
+  toggle(m.menuSimGraphs, &Controller::showGraphsPaletteFromMenu);
   toggle(m.menuViewPalette, &Controller::showViewPaletteFromMenu);
   toggle(m.menuBodyInfoPalette, &Controller::showBodyPaletteFromMenu);
 

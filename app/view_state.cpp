@@ -10,8 +10,9 @@ namespace {
 
 // How a key's value is kept: a real, a single-precision real (widened when
 // written, narrowed when read), a flag, a 32-bit integer, a size in pixels
-// (written as a whole number, read as single precision) or the name.
-enum class Kind { Real, Single, Flag, Integer, Pixels, Name };
+// (written as a whole number, read as single precision), the name, or the
+// trace reference (by its name; a name it does not know leaves it).
+enum class Kind { Real, Single, Flag, Integer, Pixels, Name, TraceReference };
 
 // Where a key's value lives, in the view or in the extras.
 using Field = void* (*)(View&, ViewDictExtras&);
@@ -74,6 +75,8 @@ const ViewKey kViewKeys[] = {
      [](View&, ViewDictExtras& e) -> void* { return &e.height; }},
     {QLatin1String("View name"), Kind::Name,
      [](View&, ViewDictExtras& e) -> void* { return &e.name; }},
+    {QLatin1String("Traces relative to"), Kind::TraceReference,
+     [](View& v, ViewDictExtras&) -> void* { return &v.traceReference; }},
 };
 
 // The predicted-path settings, written after the others and only when a
@@ -118,6 +121,9 @@ PlistValue valueOf(Kind kind, void* field) {
       // Truncated toward zero and kept in the 32-bit range; 0 for NaN.
       return PlistValue::integer(
           saturateToInt32(realToInteger(*static_cast<double*>(field)).value_or(0)));
+    case Kind::TraceReference:
+      return PlistValue::string(
+          QLatin1String(traceReferenceName(*static_cast<TraceReference*>(field))));
     case Kind::Name:
       break;
   }
@@ -154,6 +160,12 @@ void apply(Kind kind, void* field, const PlistValue& value) {
     case Kind::Name:
       if (auto t = value.toText()) {
         *static_cast<std::optional<QString>*>(field) = *t;
+      }
+      break;
+    case Kind::TraceReference:
+      if (auto t = value.toText()) {
+        auto* reference = static_cast<TraceReference*>(field);
+        *reference = traceReferenceNamed(t->toStdString()).value_or(*reference);
       }
       break;
   }

@@ -272,6 +272,9 @@ bool World::step(StepMonitor* monitor) {
       for (int32_t i = 0; i < added; ++i) {
         tracePoints->remove(tracePoints->tail());
       }
+      if (added > 0) {
+        traceFrames.dropNewest();
+      }
       return false;
     }
   } else {

@@ -20,6 +20,7 @@ void World::reset() {
   delete tracePoints;
   bodies = new LinkedList;
   tracePoints = new LinkedList;
+  traceFrames.clear();
   elapsedTime = 0.0;
   traceHistoryPoints = kDefaultTraceHistoryPoints;
   timeStep = kDefaultTimeStep;
@@ -152,6 +153,7 @@ void World::recordTraces() {
 }
 
 int32_t World::appendTracePoints() {
+  const uint64_t frame = nextTraceFrame_;
   int32_t added = 0;
   forEachItem<Body>(*bodies, [&](Body& b) {
     if (!b.active) {
@@ -164,10 +166,17 @@ int32_t World::appendTracePoints() {
       point->y = b.position.y;
       point->z = b.position.z;
       std::memcpy(point->color, b.color, sizeof point->color);
+      point->frame = frame;
       tracePoints->append(new ListNode(point));
       ++added;
     }
   });
+  // Only steps that leave points need a frame: a world without traced
+  // bodies spends nothing here.
+  if (added > 0) {
+    traceFrames.record(frame, *this);
+    ++nextTraceFrame_;
+  }
   return added;
 }
 
@@ -178,4 +187,9 @@ void World::trimTracePoints() {
   while (tracePoints->count() > bound) {
     tracePoints->remove(tracePoints->head());
   }
+  // A frame goes with the last of its points. Points are appended in frame
+  // order, so the head holds the oldest frame still needed.
+  const ListNode* head = tracePoints->head();
+  traceFrames.dropBefore(head != nullptr ? static_cast<const PositionPoint*>(head->item())->frame
+                                         : nextTraceFrame_);
 }

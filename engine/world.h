@@ -7,6 +7,7 @@
 #include "body.h"
 #include "linked_list.h"
 #include "names.h"
+#include "trace_frames.h"
 #include "vector.h"
 
 // Where an adaptive step stands while it refines its time step, which can
@@ -113,6 +114,10 @@ class World {
   double elapsedTime = 0.0;
   LinkedList* bodies = nullptr;
   LinkedList* tracePoints = nullptr;
+  // What each step's trace points were recorded against, for drawing them
+  // relative to a body or the centre of mass. Recording it reads the bodies
+  // and changes none of their values.
+  TraceFrames traceFrames;
   int32_t traceHistoryPoints = kDefaultTraceHistoryPoints;
   double timeStep = kDefaultTimeStep;
   double gravitationalConstant = kDefaultGravitationalConstant;
@@ -128,6 +133,9 @@ class World {
   // The accelerations on entry to an adaptive step that a monitor may
   // cancel (body copies start with none); kept to reuse its memory.
   std::vector<Vector> entryAccelerations_;
+  // The number the next recorded trace frame gets; 0 is left for points
+  // made without a frame.
+  uint64_t nextTraceFrame_ = 1;
 };
 
 // Walks a list whose items are all of one known type.

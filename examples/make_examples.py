@@ -12,15 +12,15 @@ G_AU = 4 * math.pi ** 2
 # world's scale; worlds a few units wide (AU, the figure eight) switch the grid
 # off, or the marker would fill the view.
 def view(name, cam, focus=(0.0, 0.0, 0.0), spacing=1.0, autodist=5.0, grid=(0.15, 0.15, 0.2), com=False,
-         show_grid=True):
-    return {
+         show_grid=True, track_body=0, traces_relative_to=None):
+    v = {
         "Camera position X": float(cam[0]), "Camera position Y": float(cam[1]), "Camera position Z": float(cam[2]),
         "Camera focus X": float(focus[0]), "Camera focus Y": float(focus[1]), "Camera focus Z": float(focus[2]),
         "Trackball enable": True,
         "Trackball roll": 0.0, "Trackball pitch": 0.0, "Trackball yaw": 0.0,
         "Track center of mass enable": com,
         "Camera autodistance": float(autodist),
-        "Track body enable": False, "Track body ID": 0,
+        "Track body enable": track_body != 0, "Track body ID": track_body,
         "Gridline enable": show_grid, "Show trace lines": True, "Show vectors": False,
         "Gridline spacing": float(spacing),
         "Gridline color R": grid[0], "Gridline color G": grid[1], "Gridline color B": grid[2],
@@ -28,6 +28,9 @@ def view(name, cam, focus=(0.0, 0.0, 0.0), spacing=1.0, autodist=5.0, grid=(0.15
         "Window width": 640, "Window height": 480,
         "View name": name,
     }
+    if traces_relative_to is not None:
+        v["Traces relative to"] = traces_relative_to
+    return v
 
 def body(name, pos, vel, mass, radius, color, trace=True, vectors=False):
     return {
@@ -149,3 +152,38 @@ bs.append(body("Orbiter west", (-r * s, r * s, 0), (-vo * s, -vo * s, 0), 1.0, 0
 zero_momentum(bs)
 save("rebound.ovd", world("Rebound", 0.002, 1.0, 4.0, bs, [view("Bounce", (0.0, -30.0, 45.0), spacing=10.0)],
      merge=False, restitution=1.0))
+
+# 6. Sun, Earth and Moon at their true masses and distances, in units of
+# 1000 km, days and Earth masses (the views' near clipping plane lies one unit
+# from the camera, so a close look at the Earth needs a unit much smaller than
+# the AU), with the radii four times true size. G follows from the Gaussian
+# gravitational constant: G M_sun = k^2 AU^3 / day^2. The Earth and the Moon
+# start on circular orbits about their barycentre, which circles the Sun.
+# A camera that tracks a body looks along the body's direction of motion,
+# which for the Earth lies in the orbital plane and would show the Moon's
+# orbit edge on; so the whole system drifts along -z at twice the Earth's
+# orbital speed. That changes no motion relative to the Sun (the same forces,
+# the same orbits) and tilts the direction of motion out of the plane: the
+# Earth's camera looks down on the Moon's loop from 63 degrees, and the camera
+# that tracks the centre of mass, which moves straight along -z, looks down on
+# the Earth's orbit. A month passes in a second, a year in fifteen.
+AU = 149597.8707
+m_sun, m_earth, m_moon = 332946.0487, 1.0, 0.0123000371
+G_EARTH = 0.01720209895 ** 2 * AU ** 3 / m_sun
+a_moon = 384.4
+m_pair = m_earth + m_moon
+v_pair = math.sqrt(G_EARTH * (m_sun + m_pair) / AU)
+v_rel = math.sqrt(G_EARTH * m_pair / a_moon)
+bs = [body("Sun", (0, 0, 0), (0, 0, 0), m_sun, 4 * 695.7, (1.0, 0.85, 0.3), trace=False),
+      body("Earth", (AU - m_moon / m_pair * a_moon, 0, 0), (0, v_pair - m_moon / m_pair * v_rel, 0),
+           m_earth, 4 * 6.371, (0.3, 0.55, 1.0)),
+      body("Moon", (AU + m_earth / m_pair * a_moon, 0, 0), (0, v_pair + m_earth / m_pair * v_rel, 0),
+           m_moon, 4 * 1.7374, (0.85, 0.85, 0.8))]
+zero_momentum(bs)
+for b in bs:
+    b["Velocity Z"] = -2 * v_pair
+save("sun-earth-moon.ovd", world("Sun, Earth and Moon", 0.1, G_EARTH, 4.0, bs,
+     [view("Earth and Moon", (0.0, 0.0, 1500.0), autodist=1500.0, show_grid=False, track_body=101,
+           traces_relative_to="Tracked body"),
+      view("Orbit from above", (0.0, 0.0, 470000.0), autodist=470000.0, com=True, show_grid=False,
+           traces_relative_to="Center of mass")]))

@@ -54,6 +54,9 @@ class PaletteHost : public ViewHost {
   virtual void showViewPaletteFromMenu(QObject* sender) = 0;
   virtual void showBodyPaletteFromMenu(QObject* sender) = 0;
   virtual void showOutputPaletteFromMenu(QObject* sender) = 0;
+  // The Graphs palette's toggle. A host without that palette need not
+  // provide it; the default does nothing.
+  virtual void showGraphsPaletteFromMenu(QObject* /*sender*/) {}
 
   // Adds the application's menus to a menu bar, so a window that carries one
   // reaches every command.

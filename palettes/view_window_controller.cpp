@@ -11,6 +11,22 @@
 #include "palettes/palette_host.h"
 #include "view/view.h"
 
+namespace {
+
+const char* traceReferenceItem(TraceReference reference) {
+  switch (reference) {
+    case TraceReference::TrackedBody:
+      return "tracestrackedbody";
+    case TraceReference::CenterOfMass:
+      return "tracescom";
+    case TraceReference::World:
+      break;
+  }
+  return "tracesworld";
+}
+
+}  // namespace
+
 ViewWindowController::ViewWindowController(QObject* parent)
     : PaletteController(QStringLiteral("ViewPalette"), tr("View"), parent) {
   buildWindow();
@@ -37,6 +53,9 @@ void ViewWindowController::buildWindow() {
   gridspacing_ = makeTextField("gridspacing");
   gridcolor_ = makeColorWell("gridcolor");
   traceenable_ = makePopUp("traceenable", {{"tracetrue", tr("On")}, {"tracefalse", tr("Off")}});
+  tracesrelative_ = makePopUp("tracesrelative", {{"tracesworld", tr("World")},
+                                                 {"tracestrackedbody", tr("Tracked body")},
+                                                 {"tracescom", tr("Centre of mass")}});
   vectors_ = makePopUp("vectors", {{"vtrue", tr("On")}, {"vfalse", tr("Off")}});
   predictpaths_ =
       makePopUp("predictpaths", {{"predicttrue", tr("On")}, {"predictfalse", tr("Off")}});
@@ -55,6 +74,7 @@ void ViewWindowController::buildWindow() {
   form->addRow(tr("Grid spacing"), gridspacing_);
   form->addRow(tr("Grid colour"), gridcolor_);
   form->addRow(tr("Traces"), traceenable_);
+  form->addRow(tr("Traces relative to"), tracesrelative_);
   form->addRow(tr("Vectors"), vectors_);
   form->addRow(tr("Predicted paths"), predictpaths_);
   form->addRow(tr("Prediction time"), predicttime_);
@@ -68,11 +88,17 @@ void ViewWindowController::windowWillClose() {
 }
 
 void ViewWindowController::setCEnabled(bool enabled) {
-  for (QWidget* control : std::initializer_list<QWidget*>{
-           cx_,           cy_,           cz_,          fx_,          fy_,      fz_,
-           gridcolor_,    gridenable_,   gridspacing_, name_,        tp_,      tr_,
-           trackball_,    ty_,           type_,        traceenable_, vectors_, bodytotrack_,
-           autodistance_, predictpaths_, predicttime_}) {
+  for (QWidget* control : std::initializer_list<QWidget*>{cx_,           cy_,
+                                                          cz_,           fx_,
+                                                          fy_,           fz_,
+                                                          gridcolor_,    gridenable_,
+                                                          gridspacing_,  name_,
+                                                          tp_,           tr_,
+                                                          trackball_,    ty_,
+                                                          type_,         traceenable_,
+                                                          vectors_,      bodytotrack_,
+                                                          autodistance_, predictpaths_,
+                                                          predicttime_,  tracesrelative_}) {
     setControlEnabled(control, enabled);
   }
 }
@@ -101,6 +127,7 @@ void ViewWindowController::getValues() {
   showFlag(vectors_, v->showVectors, "vtrue", "vfalse");
   showFlag(predictpaths_, v->showPredictedPaths, "predicttrue", "predictfalse");
   showText(predicttime_, formatReal(v->predictionTime));
+  selectItem(tracesrelative_, traceReferenceItem(v->traceReference));
   gridcolor_->setComponents(v->gridlineColor);
 
   if (QWidget* viewWindow = host->currentViewWindow()) {
@@ -154,6 +181,13 @@ void ViewWindowController::commitSetting(View& v, QObject* sender) {
     readFlag(gridenable_, "gridtrue", "gridfalse", v.gridlineEnabled);
   } else if (sender == traceenable_) {
     readFlag(traceenable_, "tracetrue", "tracefalse", v.showTraceLines);
+  } else if (sender == tracesrelative_) {
+    for (const TraceReference reference :
+         {TraceReference::World, TraceReference::TrackedBody, TraceReference::CenterOfMass}) {
+      if (itemSelected(tracesrelative_, traceReferenceItem(reference))) {
+        v.traceReference = reference;
+      }
+    }
   } else if (sender == vectors_) {
     readFlag(vectors_, "vtrue", "vfalse", v.showVectors);
   } else if (sender == gridspacing_) {

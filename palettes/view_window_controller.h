@@ -8,7 +8,8 @@ class QLineEdit;
 class View;
 
 // The view palette: camera, focus, trackball orientation in degrees,
-// tracking mode, grid, traces and vectors of the main view window's view.
+// tracking mode, grid, traces (and what they are drawn relative to) and
+// vectors of the main view window's view.
 // It also keeps that window's title equal to the view's name.
 class ViewWindowController : public PaletteController {
   Q_OBJECT
@@ -49,6 +50,7 @@ class ViewWindowController : public PaletteController {
   QLineEdit* gridspacing_ = nullptr;
   ColorWell* gridcolor_ = nullptr;
   QComboBox* traceenable_ = nullptr;
+  QComboBox* tracesrelative_ = nullptr;
   QComboBox* vectors_ = nullptr;
   QComboBox* predictpaths_ = nullptr;
   QLineEdit* predicttime_ = nullptr;

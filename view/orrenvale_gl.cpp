@@ -122,6 +122,12 @@ void OrrenvaleGL::drawRect() {
     updateProjection();
   }
   updateModelView();
+  if (ViewHost* host = viewHost()) {
+    // The world keeps the position of the body this view names with every
+    // step's trace points from now on, so that its traces can be drawn
+    // relative to that body whenever the user asks, with the history since.
+    host->world().traceFrames.watch(v_->trackBodyID);
+  }
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   render();
 }

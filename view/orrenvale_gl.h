@@ -94,6 +94,7 @@ class OrrenvaleGL : public QOpenGLWidget {
   void pan(int direction, bool vertical);
   void drawGridLattice(const World& world) const;
   void drawAxisMarker() const;
+  void drawTracePoints(const World& world) const;
   void drawBodies(const World& world, bool selecting) const;
   void drawPredictedPaths(const World& world) const;
 

@@ -9,6 +9,7 @@
 #include "grid_lattice.h"
 #include "orrenvale_gl.h"
 #include "path_predictor.h"
+#include "trace_shifts.h"
 #include "view_host.h"
 
 namespace {
@@ -54,13 +55,7 @@ void OrrenvaleGL::render() {
     drawAxisMarker();
   }
   if (v.showTraceLines) {
-    // One dot per recorded step, oldest first.
-    glBegin(GL_POINTS);
-    forEachItem<PositionPoint>(*world.tracePoints, [](const PositionPoint& p) {
-      glColor3f(p.color[0], p.color[1], p.color[2]);
-      glVertex3f(static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z));
-    });
-    glEnd();
+    drawTracePoints(world);
   }
   if (v.showVectors) {
     // Velocity and acceleration at scale 1, fading from the start colour to
@@ -114,6 +109,25 @@ void OrrenvaleGL::drawPredictedPaths(const World& world) const {
     glDrawArrays(GL_LINE_STRIP, 0, static_cast<GLsizei>(n));
   }
   glDisableClientState(GL_VERTEX_ARRAY);
+}
+
+void OrrenvaleGL::drawTracePoints(const World& world) const {
+  TraceShifts shifts(*v_, world);
+  // One dot per recorded step, oldest first.
+  glBegin(GL_POINTS);
+  if (shifts.active()) {
+    forEachItem<PositionPoint>(*world.tracePoints, [&shifts](const PositionPoint& p) {
+      const Vector at = Vector::of(p.x, p.y, p.z) + shifts.shiftFor(p.frame);
+      glColor3f(p.color[0], p.color[1], p.color[2]);
+      glVertex3f(static_cast<float>(at.x), static_cast<float>(at.y), static_cast<float>(at.z));
+    });
+  } else {
+    forEachItem<PositionPoint>(*world.tracePoints, [](const PositionPoint& p) {
+      glColor3f(p.color[0], p.color[1], p.color[2]);
+      glVertex3f(static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z));
+    });
+  }
+  glEnd();
 }
 
 void OrrenvaleGL::drawBodies(const World& world, bool selecting) const {

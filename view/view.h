@@ -1,11 +1,23 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "engine/list_storable.h"
 #include "engine/names.h"
 #include "engine/vector.h"
 #include "trackball.h"
+
+// What a view draws trace points relative to. With a reference other than
+// the world, each point is drawn at its offset from where the reference was
+// when the point was recorded, placed around where the reference is now.
+enum class TraceReference { World, TrackedBody, CenterOfMass };
+
+// The names the datafile gives the choices ("World", "Tracked body",
+// "Center of mass"); nothing for any other text.
+const char* traceReferenceName(TraceReference reference);
+std::optional<TraceReference> traceReferenceNamed(std::string_view name);
 
 // Camera and display settings of one view window. The window's OrrenvaleGL
 // creates and owns it; the view palette and the datafile code read and write
@@ -35,6 +47,9 @@ class View : public ListStorable {
   double gridlineSpacing = 100.0;
   float gridlineColor[3] = {0.1f, 0.1f, 0.1f};
   bool showTraceLines = true;
+  // The tracked body is the one trackBodyID names, whether or not the camera
+  // follows it: a free camera can watch paths relative to a body.
+  TraceReference traceReference = TraceReference::World;
   bool showVectors = true;
   // 0 names no body.
   int selectedBodyID = 0;

@@ -6,6 +6,7 @@
 #include "app/orrenvale_gl_window_controller.h"
 #include "app_test_support.h"
 #include "palettes/body_window_controller.h"
+#include "palettes/graphs_window_controller.h"
 #include "view/orrenvale_gl.h"
 #include "view/path_predictor.h"
 #include "view/view.h"
@@ -241,5 +242,34 @@ TEST_P(DesignReplaced, ForgetsTheHistory) {
 INSTANTIATE_TEST_SUITE_P(Commands, DesignReplaced,
                          ::testing::Values(Replace::Reset, Replace::New, Replace::Open,
                                            Replace::EditCurrent));
+
+// The Graphs palette's toggle keeps flag, mark and window together, the
+// palette samples a run, and entering design mode or Reset starts afresh.
+TEST_F(AppTest, GraphsFollowARunAndStartAfreshWithTheDesign) {
+  GraphsWindowController* graphs = controller->graphsPaletteController();
+  QAction* toggle = item("menuSimGraphs");
+  ASSERT_NE(toggle, nullptr);
+  EXPECT_FALSE(toggle->isChecked());
+  toggle->trigger();
+  EXPECT_TRUE(toggle->isChecked());
+  EXPECT_TRUE(graphs->window()->isVisible());
+
+  designAndLeave(*controller);
+  for (int i = 0; i < 50; ++i)
+    controller->stepSim(nullptr);
+  controller->toggleSim(nullptr);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return graphs->history().size() >= 2; }, 5000));
+  controller->toggleSim(nullptr);
+  // Errors are measured from the state the run left design mode in, which
+  // is the first sample, not from one taken fifty steps later.
+  EXPECT_EQ(graphs->history().times().front(), 0.0);
+  EXPECT_EQ(graphs->history().values(GraphSeries::EnergyError).front(), 0.0);
+  for (QAction* restart : {item("menuSimEdit"), item("menuSimReset")}) {
+    restart->trigger();
+    EXPECT_TRUE(graphs->history().empty()) << restart->objectName().toStdString();
+  }
+  toggle->trigger();
+  EXPECT_FALSE(graphs->window()->isVisible());
+}
 
 }  // namespace

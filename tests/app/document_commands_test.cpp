@@ -41,6 +41,7 @@ class DocumentTest : public AppTest {
     View* first = controller->currentView();
     first->cameraPosition.x = 30.0;
     first->trackball->rotation.setRollPitchYaw(0.3, -0.4, 1.1);
+    first->traceReference = TraceReference::CenterOfMass;
     controller->newView(nullptr);
     OrrenvaleGLWindowController* second = controller->mainWindowController();
     copyName(second->CGLview()->view()->name, "Side");
@@ -98,6 +99,8 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   EXPECT_EQ(second->window()->windowTitle(), "Side");
   EXPECT_EQ(first->CGLview()->view()->cameraPosition.x, 30.0);
   EXPECT_EQ(second->CGLview()->size(), QSize(400, 300));
+  EXPECT_EQ(first->CGLview()->view()->traceReference, TraceReference::CenterOfMass);
+  EXPECT_EQ(second->CGLview()->view()->traceReference, TraceReference::World);
   const Vector angles = first->CGLview()->view()->trackball->rotation.toRollPitchYaw();
   // Euler angles through a quaternion and back: a few ulps of the angles.
   EXPECT_NEAR(angles.x, 0.3, 1e-12);

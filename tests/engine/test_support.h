@@ -83,8 +83,14 @@ inline std::vector<uint64_t> stateBits(const World& world) {
   forEachItem<PositionPoint>(*world.tracePoints, [&](const PositionPoint& p) {
     add({p.x, p.y, p.z, p.color[0], p.color[1], p.color[2]});
   });
+  add({static_cast<double>(world.traceFrames.frames().size())});
   add({world.elapsedTime, world.timeStep});
   return bits;
+}
+
+// A vector's components, for exact comparisons in expectations.
+inline std::vector<double> xyz(const Vector& v) {
+  return {v.x, v.y, v.z};
 }
 
 // n bodies at random in a cube of the given half side, G = 1: half-unit

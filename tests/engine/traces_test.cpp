@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <set>
 #include <vector>
 
 #include "engine/position_point.h"
@@ -92,6 +93,82 @@ TEST(Traces, SwitchingTraceOnRecordsFromTheNextStep) {
   world.step();
   ASSERT_EQ(world.tracePoints->count(), 1);
   EXPECT_EQ(pointsOf(world)[0]->x, 1);
+}
+
+// The frames are exactly those of the points still listed, so they are
+// bounded as the list is; each holds the centre of mass and the watched
+// bodies as they were when its points were recorded.
+TEST(Traces, EveryListedPointHasTheFrameOfItsStepAndNoOtherFrameIsKept) {
+  World world;
+  setUpTwoTracedBodies(world);
+  Body* still = addBody(world, vec(0, 0, 50));
+  world.traceFrames.watch(still->id);
+  world.traceFrames.watch(100);
+  world.traceHistoryPoints = 3;
+  for (int step = 0; step < 6; ++step) {
+    const Vector centre = world.centerOfMass();
+    const Vector first = world.findBodyById(100)->position;
+    world.step();
+    std::set<uint64_t> pointFrames;
+    for (const PositionPoint* p : pointsOf(world))
+      pointFrames.insert(p->frame);
+    std::set<uint64_t> kept;
+    for (const TraceFrame& f : world.traceFrames.frames())
+      kept.insert(f.number);
+    EXPECT_EQ(kept, pointFrames) << step;
+    const TraceFrame& newest = world.traceFrames.frames().back();
+    EXPECT_EQ(newest.number, pointsOf(world).back()->frame);
+    EXPECT_EQ(xyz(newest.centerOfMass), xyz(centre));
+    ASSERT_EQ(newest.references.size(), 2u);
+    EXPECT_EQ(xyz(*newest.positionOf(still->id)), xyz(vec(0, 0, 50)));
+    EXPECT_EQ(xyz(*newest.positionOf(100)), xyz(first));
+    EXPECT_EQ(newest.positionOf(101), nullptr);
+  }
+}
+
+TEST(Traces, AWatchedBodyThatIsGoneIsForgottenAndAResetKeepsTheWatch) {
+  World world;
+  setUpTwoTracedBodies(world);
+  world.traceFrames.watch(0);
+  world.traceFrames.watch(101);
+  world.traceFrames.watch(101);
+  EXPECT_EQ(world.traceFrames.watched(), std::vector<int32_t>{101});
+  world.reset();
+  EXPECT_EQ(world.traceFrames.watched(), std::vector<int32_t>{101});
+  setUpTwoTracedBodies(world);
+  world.step();
+  world.deleteBodyById(101);
+  world.step();
+  EXPECT_TRUE(world.traceFrames.watched().empty());
+  EXPECT_EQ(world.traceFrames.frames().back().positionOf(101), nullptr);
+  world.reset();
+  EXPECT_TRUE(world.traceFrames.frames().empty());
+}
+
+// Recording the references only reads the bodies: a traced and watched
+// world steps to the same bits as one that records nothing.
+TEST(Traces, RecordingReferencesChangesNoBitOfTheRun) {
+  World recorded, plain;
+  for (World* w : {&recorded, &plain}) {
+    addRandomCluster(*w, 12, 6.0, 7);
+    w->timeStep = 0.01;
+  }
+  forEachItem<Body>(*recorded.bodies, [](Body& b) { b.traceEnable = true; });
+  recorded.traceFrames.watch(103);
+  recorded.traceFrames.watch(105);
+  recorded.traceHistoryPoints = 50;
+  for (int i = 0; i < 200; ++i) {
+    recorded.step();
+    plain.step();
+  }
+  const std::vector<Body*> a = bodiesOf(recorded);
+  const std::vector<Body*> b = bodiesOf(plain);
+  ASSERT_EQ(a.size(), b.size());
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    EXPECT_EQ(xyz(a[i]->position), xyz(b[i]->position)) << i;
+    EXPECT_EQ(xyz(a[i]->velocity), xyz(b[i]->velocity)) << i;
+    EXPECT_EQ(a[i]->mass, b[i]->mass) << i;
+  }
 }
 
 TEST(Traces, AdaptiveStepRecordsOncePerStep) {

@@ -44,7 +44,9 @@ class ScriptedPanels : public Panels {
     return savePath;
   }
   bool printImage(QWidget*, const QImage&) override { return false; }
-  void alert(QWidget*, const QString&, const QString&) override {}
+  void alert(QWidget*, const QString& title, const QString& message) override {
+    alerts.push_back(title + QStringLiteral(": ") + message);
+  }
   std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
   std::unique_ptr<Progress> openProgress(QWidget*, const QString&) override { return nullptr; }
   std::unique_ptr<Progress> openModelessProgress(QWidget*, const QString&,
@@ -60,6 +62,7 @@ class ScriptedPanels : public Panels {
   std::optional<QColor> color;
   std::vector<QString> saveTitles;
   std::vector<QString> saveSuffixes;
+  std::vector<QString> alerts;
 };
 
 // Stands in for the application controller: a real world, a view record
@@ -105,6 +108,7 @@ class TestHost : public PaletteHost {
   void showViewPaletteFromMenu(QObject* sender) override { toggle(sender); }
   void showBodyPaletteFromMenu(QObject* sender) override { toggle(sender); }
   void showOutputPaletteFromMenu(QObject* sender) override { toggle(sender); }
+  void showGraphsPaletteFromMenu(QObject* sender) override { toggle(sender); }
 
   void populateMenuBar(QMenuBar* bar) override { bar->addMenu(QStringLiteral("Simulation")); }
 

@@ -48,6 +48,7 @@ TEST_F(ViewPalette, ShowingFillsEveryControlAndTitlesTheViewWindow) {
   EXPECT_EQ(selectedItem(popUp(win, "gridenable")), "gridtrue");
   EXPECT_EQ(selectedItem(popUp(win, "traceenable")), "tracetrue");
   EXPECT_EQ(selectedItem(popUp(win, "vectors")), "vtrue");
+  EXPECT_EQ(selectedItem(popUp(win, "tracesrelative")), "tracesworld");
   EXPECT_TRUE(win->findChild<ColorWell*>(QStringLiteral("gridcolor"))->hasColor());
   EXPECT_EQ(viewWindow.windowTitle(), QStringLiteral("View 0"));
 }
@@ -167,6 +168,10 @@ TEST_F(ViewPalette, PopUpsAndColourWellSetTheirFlagsAndColour) {
   chooseItem(popUp(win, "gridenable"), "gridfalse");
   chooseItem(popUp(win, "traceenable"), "tracefalse");
   chooseItem(popUp(win, "vectors"), "vfalse");
+  chooseItem(popUp(win, "tracesrelative"), "tracescom");
+  EXPECT_EQ(view.traceReference, TraceReference::CenterOfMass);
+  chooseItem(popUp(win, "tracesrelative"), "tracestrackedbody");
+  EXPECT_EQ(view.traceReference, TraceReference::TrackedBody);
   EXPECT_FALSE(view.trackballEnabled);
   EXPECT_FALSE(view.gridlineEnabled);
   EXPECT_FALSE(view.showTraceLines);
@@ -198,8 +203,9 @@ TEST_F(ViewPalette, DisablingEmptiesEveryControlAndNoViewLeavesThemAlone) {
     EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
     ++controls;
   }
-  // Nineteen for the camera and display settings, two for predicted paths.
-  EXPECT_EQ(controls, 21);
+  // Nineteen for the camera and display settings, the choice of trace
+  // reference and two for predicted paths.
+  EXPECT_EQ(controls, 22);
 
   // A commit without a main view does nothing at all.
   palette.setCEnabled(true);
