@@ -78,10 +78,4 @@ TEST_F(PickingContexts, PickUsesTheClickedViewsOwnContext) {
   EXPECT_EQ(second.view()->selectedBodyID, 0);
 }
 
-TEST_F(PickingContexts, ViewNeverDrawnPicksNothing) {
-  addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
-  OrrenvaleGL gl;
-  EXPECT_EQ(gl.pick(10, 10), 0);
-}
-
 }  // namespace

@@ -35,6 +35,47 @@ TEST_F(Rendering, EmptyWorldShowsOnlyTheGridAndTheMarkerOnBlack) {
     }
   }
   EXPECT_EQ(other, 0);
+  // With the grid switched off, neither lattice nor marker.
+  gl.view()->gridlineEnabled = false;
+  EXPECT_EQ(countPixels(gl.captureView(), [](QRgb p) { return !isBlack(p); }), 0);
+}
+
+struct CaptureShape {
+  int w;
+  int h;
+};
+
+class Capture : public ViewFixture, public ::testing::WithParamInterface<CaptureShape> {};
+
+// A body above the centre is in the top half of the image: rows are upright.
+TEST_P(Capture, ImageHasTheViewsSizeWithoutAlphaAndIsUpright) {
+  const CaptureShape c = GetParam();
+  addBody(Vector::of(0, 60, 0), 15.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(c.w, c.h);
+  const QImage image = gl.captureView();
+  EXPECT_EQ(image.width(), c.w);
+  EXPECT_EQ(image.height(), c.h);
+  EXPECT_EQ(image.bytesPerLine(), 4 * c.w);
+  EXPECT_FALSE(image.hasAlphaChannel());
+  EXPECT_EQ(qAlpha(image.pixel(0, 0)), 255);
+  EXPECT_GT(countPixels(image.copy(0, 0, c.w, c.h / 2), pureRed()), 50);
+  EXPECT_EQ(countPixels(image.copy(0, c.h / 2, c.w, c.h - c.h / 2), pureRed()), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, Capture,
+                         ::testing::Values(CaptureShape{300, 200}, CaptureShape{200, 300}),
+                         [](const auto& p) {
+                           return std::to_string(p.param.w) + "x" + std::to_string(p.param.h);
+                         });
+
+TEST_F(Rendering, ViewNeverShownCapturesBlackAtItsSizeAndPicksNothing) {
+  addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL gl;
+  gl.resize(120, 80);
+  EXPECT_EQ(gl.pick(10, 10), 0);
+  const QImage image = gl.captureView();
+  EXPECT_EQ(image.size(), QSize(120, 80));
+  EXPECT_TRUE(isBlack(image.pixel(60, 40)));
 }
 
 // True when some pixel within 4 pixels of (x, y) passes the test.
@@ -71,13 +112,6 @@ TEST_F(Rendering, AxisMarkerSitsAtTheOriginWithColouredPositiveTips) {
   EXPECT_TRUE(anyAround(image, 150 - 60, 150, white));
   EXPECT_TRUE(anyAround(image, 150, 150 - 60, markerGreen));
   EXPECT_FALSE(anyAround(image, 150, 150 + 60, markerGreen));
-}
-
-TEST_F(Rendering, GridSwitchedOffDrawsNeitherLatticeNorMarker) {
-  OrrenvaleGL& gl = openView(300, 200);
-  gl.view()->gridlineEnabled = false;
-  const QImage image = gl.captureView();
-  EXPECT_EQ(countPixels(image, [](QRgb p) { return !isBlack(p); }), 0);
 }
 
 // A sphere lit from the viewer is brightest at its centre and darker towards

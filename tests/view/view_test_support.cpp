@@ -32,6 +32,15 @@ void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
   QCoreApplication::sendEvent(&w, &move);
 }
 
+void drag(QWidget& w, Qt::MouseButton button, QPointF from, QPointF to,
+          Qt::KeyboardModifiers modifiers, int moves) {
+  QTest::mousePress(&w, button, modifiers, from.toPoint());
+  for (int i = 1; i <= moves; ++i) {
+    moveWithButtons(w, from + (to - from) * i / moves, button, modifiers);
+  }
+  QTest::mouseRelease(&w, button, modifiers, to.toPoint());
+}
+
 PixelTest pureRed() {
   return [](QRgb p) { return qRed(p) > 20 && qGreen(p) == 0 && qBlue(p) == 0; };
 }

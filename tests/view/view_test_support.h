@@ -54,6 +54,10 @@ class ViewFixture : public ::testing::Test {
 // during a drag (or none while hovering).
 void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
                      Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+// A press, `moves` even pointer moves and a release, the modifiers held
+// throughout.
+void drag(QWidget& w, Qt::MouseButton button, QPointF from, QPointF to,
+          Qt::KeyboardModifiers modifiers = Qt::NoModifier, int moves = 5);
 
 // Pixel classification on captured images.
 using PixelTest = std::function<bool(QRgb)>;
