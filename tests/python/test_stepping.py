@@ -104,7 +104,8 @@ def test_recording_has_a_frame_per_k_steps_and_nan_after_a_merge():
     r = w.record(100, every=30)
     # The body merged away is gone for its handle too.
     assert len(w) == 1 and east.exists and not west.exists
-    assert east.radius == pytest.approx(0.1 * 2 ** (1 / 3), rel=1e-15)  # a cube root: an ulp or two
+    # The radius is a cube root: within an ulp or two.
+    assert east.radius == pytest.approx(0.1 * 2 ** (1 / 3), rel=1e-15)
     with pytest.raises(LookupError):
         west.position
     assert "gone" in repr(west)
