@@ -40,33 +40,26 @@ TEST_F(Rendering, EmptyWorldShowsOnlyTheGridAndTheMarkerOnBlack) {
   EXPECT_EQ(countPixels(gl.captureView(), [](QRgb p) { return !isBlack(p); }), 0);
 }
 
-struct CaptureShape {
-  int w;
-  int h;
-};
-
-class Capture : public ViewFixture, public ::testing::WithParamInterface<CaptureShape> {};
+class Capture : public ViewFixture, public ::testing::WithParamInterface<QSize> {};
 
 // A body above the centre is in the top half of the image: rows are upright.
 TEST_P(Capture, ImageHasTheViewsSizeWithoutAlphaAndIsUpright) {
-  const CaptureShape c = GetParam();
+  const int w = GetParam().width();
+  const int h = GetParam().height();
   addBody(Vector::of(0, 60, 0), 15.0, 1.0f, 0.0f, 0.0f);
-  OrrenvaleGL& gl = openView(c.w, c.h);
+  OrrenvaleGL& gl = openView(w, h);
   const QImage image = gl.captureView();
-  EXPECT_EQ(image.width(), c.w);
-  EXPECT_EQ(image.height(), c.h);
-  EXPECT_EQ(image.bytesPerLine(), 4 * c.w);
+  EXPECT_EQ(image.width(), w);
+  EXPECT_EQ(image.height(), h);
+  EXPECT_EQ(image.bytesPerLine(), 4 * w);
   EXPECT_FALSE(image.hasAlphaChannel());
   EXPECT_EQ(qAlpha(image.pixel(0, 0)), 255);
-  EXPECT_GT(countPixels(image.copy(0, 0, c.w, c.h / 2), pureRed()), 50);
-  EXPECT_EQ(countPixels(image.copy(0, c.h / 2, c.w, c.h - c.h / 2), pureRed()), 0);
+  EXPECT_GT(countPixels(image.copy(0, 0, w, h / 2), pureRed()), 50);
+  EXPECT_EQ(countPixels(image.copy(0, h / 2, w, h - h / 2), pureRed()), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shapes, Capture,
-                         ::testing::Values(CaptureShape{300, 200}, CaptureShape{200, 300}),
-                         [](const auto& p) {
-                           return std::to_string(p.param.w) + "x" + std::to_string(p.param.h);
-                         });
+INSTANTIATE_TEST_SUITE_P(Shapes, Capture, ::testing::Values(QSize(300, 200), QSize(200, 300)),
+                         sizeName);
 
 TEST_F(Rendering, ViewNeverShownCapturesBlackAtItsSizeAndPicksNothing) {
   addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);

@@ -26,6 +26,10 @@ Body* ViewFixture::addBody(const Vector& position, double radius, float r, float
   return body;
 }
 
+std::string sizeName(const ::testing::TestParamInfo<QSize>& info) {
+  return std::to_string(info.param.width()) + "x" + std::to_string(info.param.height());
+}
+
 void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
                      Qt::KeyboardModifiers modifiers) {
   QMouseEvent move(QEvent::MouseMove, to, w.mapToGlobal(to), Qt::NoButton, buttons, modifiers);

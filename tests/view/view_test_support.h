@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QSize>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "engine/world.h"
@@ -49,6 +51,9 @@ class ViewFixture : public ::testing::Test {
   TestHost host;
   std::vector<std::unique_ptr<OrrenvaleGL>> views;
 };
+
+// Names a test parametrised over window sizes by its size, as 300x200.
+std::string sizeName(const ::testing::TestParamInfo<QSize>& info);
 
 // A pointer move as the window system sends it, with the buttons still held
 // during a drag (or none while hovering).
