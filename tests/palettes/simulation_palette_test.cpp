@@ -148,19 +148,22 @@ TEST_F(SimulationPalette, LeavingAnUntouchedFieldKeepsTheFullPrecisionValue) {
   typeInto(g, QStringLiteral("3"));
   QTest::keyClick(g, Qt::Key_Tab);
   EXPECT_EQ(host.w.gravitationalConstant, 3.0);
-}
 
-TEST_F(SimulationPalette, EscapeDropsTheTypedTextAndShowsTheModel) {
-  show();
+  // Escape drops the typed text and shows the model again.
   typeInto(f("timestep"), QStringLiteral("99"));
   QTest::keyClick(f("timestep"), Qt::Key_Escape);
   EXPECT_EQ(f("timestep")->text(), QStringLiteral("0.01"));
   EXPECT_EQ(host.w.timeStep, World::kDefaultTimeStep);
 }
 
+// The world before the choice is one that shows another item: merging wins
+// over the coefficient, which then shows 0 as no merge, 1 as elastic and
+// anything else as other.
 struct CollisionCase {
-  const char* item;
+  bool mergeBefore;
   double restitutionBefore;
+  const char* shownBefore;
+  const char* item;
   double restitution;
   bool merge;
 };
@@ -168,55 +171,38 @@ struct CollisionCase {
 class CollisionModelChoice : public SimulationPalette,
                              public testing::WithParamInterface<CollisionCase> {};
 
-TEST_P(CollisionModelChoice, SetsCoefficientAndMergeAndEnablesCoefficientUnlessMerging) {
+TEST_P(CollisionModelChoice, ShowsTheWorldsModelThenSetsCoefficientAndMerge) {
+  host.w.merge = GetParam().mergeBefore;
   host.w.restitution = GetParam().restitutionBefore;
   show();
+  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), GetParam().shownBefore);
   chooseItem(popUp(win, "collisiontype"), GetParam().item);
   EXPECT_EQ(host.w.restitution, GetParam().restitution);
   EXPECT_EQ(host.w.merge, GetParam().merge);
   EXPECT_EQ(f("e")->isEnabled(), !GetParam().merge);
+  ASSERT_TRUE(waitForRefreshes(palette));
   EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), GetParam().item);
 }
 
 INSTANTIATE_TEST_SUITE_P(Items, CollisionModelChoice,
-                         testing::Values(CollisionCase{"collisionelastic", 0.5, 1.0, false},
-                                         CollisionCase{"collisioninelasticmerge", 0.5, 0.0, true},
-                                         CollisionCase{"collisioninelasticnomerge", 0.5, 0.0,
-                                                       false},
-                                         CollisionCase{"collisionother", 0.5, 0.5, false}),
+                         testing::Values(CollisionCase{false, 0.0, "collisioninelasticnomerge",
+                                                       "collisionelastic", 1.0, false},
+                                         CollisionCase{false, 0.5, "collisionother",
+                                                       "collisioninelasticmerge", 0.0, true},
+                                         CollisionCase{true, 0.5, "collisioninelasticmerge",
+                                                       "collisioninelasticnomerge", 0.0, false},
+                                         CollisionCase{false, 1.0, "collisionelastic",
+                                                       "collisionother", 1.0, false}),
                          [](const auto& p) { return std::string(p.param.item); });
 
-struct ShownModelCase {
-  bool merge;
-  double restitution;
-  const char* shown;
-};
-
-class CollisionModelShown : public SimulationPalette,
-                            public testing::WithParamInterface<ShownModelCase> {};
-
-TEST_P(CollisionModelShown, FollowsMergeThenCoefficient) {
-  host.w.merge = GetParam().merge;
-  host.w.restitution = GetParam().restitution;
-  palette.becomeVisible();
-  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), GetParam().shown);
-}
-
-INSTANTIATE_TEST_SUITE_P(Worlds, CollisionModelShown,
-                         testing::Values(ShownModelCase{true, 0.5, "collisioninelasticmerge"},
-                                         ShownModelCase{false, 0.5, "collisionother"},
-                                         ShownModelCase{false, 1.0, "collisionelastic"},
-                                         ShownModelCase{false, 0.0, "collisioninelasticnomerge"}));
-
-TEST_F(SimulationPalette, OtherStaysChosenWhileTheCoefficientIsExactlyOne) {
+// Other stays chosen while the coefficient is exactly one, until the user
+// chooses elastic.
+TEST_F(SimulationPalette, OtherStaysChosenUntilElasticIsChosen) {
   host.w.merge = false;
   show();
-  ASSERT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionelastic");
   chooseItem(popUp(win, "collisiontype"), "collisionother");
-  ASSERT_TRUE(waitForRefreshes(palette));
-  EXPECT_EQ(host.w.restitution, 1.0);
-  EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionother");
   chooseItem(popUp(win, "collisiontype"), "collisionelastic");
+  ASSERT_TRUE(waitForRefreshes(palette));
   EXPECT_EQ(selectedItem(popUp(win, "collisiontype")), "collisionelastic");
 }
 

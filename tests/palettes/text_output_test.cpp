@@ -38,27 +38,7 @@ class TextOutput : public testing::Test {
   bool visible = false;
 };
 
-TEST_F(TextOutput, LineHoldsElapsedTimeThenTenFieldsPerBody) {
-  host.w.elapsedTime = 0.5;
-  Body* earth = host.w.createBody();
-  host.w.setName("unused");
-  copyName(earth->name, "Earth");
-  earth->position = Vector::of(1, 2, 3);
-  earth->velocity = Vector::of(0, 1, 0);
-  palette.writeLine();
-  EXPECT_EQ(palette.text(),
-            "0.500000\tEarth\t1.000000\t2.000000\t3.000000\t0.000000\t1.000000\t0.000000\t"
-            "0.000000\t0.000000\t0.000000\n");
-  // The first line shows at once.
-  EXPECT_EQ(viewtext()->toPlainText().toStdString(), palette.text());
-}
-
-TEST_F(TextOutput, WorldWithoutBodiesGivesOnlyTheTime) {
-  palette.writeLine();
-  EXPECT_EQ(palette.text(), "0.000000\n");
-}
-
-TEST_F(TextOutput, LogsOneLinePerStepOnlyWhileOn) {
+TEST_F(TextOutput, LogsOneLinePerStepOnlyWhileOnAndClearKeepsItOn) {
   host.w.createBody();
   EXPECT_FALSE(palette.wantsText());
   EXPECT_TRUE(button("begin")->isEnabled());
@@ -74,55 +54,21 @@ TEST_F(TextOutput, LogsOneLinePerStepOnlyWhileOn) {
     stepSim();
   EXPECT_EQ(lines(), 10);
 
-  QTest::mouseClick(button("end"), Qt::LeftButton);
-  for (int i = 0; i < 5; ++i)
-    stepSim();
-  EXPECT_EQ(lines(), 10);
-  // Lines that arrived together reach the text view within its show interval.
-  EXPECT_TRUE(QTest::qWaitFor(
-      [this] { return viewtext()->toPlainText().toStdString() == palette.text(); }, 2000));
-}
-
-TEST_F(TextOutput, ClearEmptiesTheLogAndLoggingGoesOn) {
-  palette.clickBegin(nullptr);
-  stepSim();
-  stepSim();
+  // Clearing empties the log and the view; logging goes on.
   QTest::mouseClick(button("clear"), Qt::LeftButton);
   EXPECT_TRUE(palette.text().empty());
   EXPECT_TRUE(viewtext()->toPlainText().isEmpty());
-  EXPECT_TRUE(palette.wantsText());
   stepSim();
   EXPECT_EQ(lines(), 1);
-  EXPECT_TRUE(palette.text().starts_with("0.030000"));
-}
+  EXPECT_TRUE(palette.text().starts_with("0.160000"));
 
-TEST_F(TextOutput, ResetClearsAndStopsLogging) {
-  palette.clickBegin(nullptr);
-  stepSim();
-  // What every reset and datafile load does.
-  palette.clickClear(nullptr);
-  palette.clickEnd(nullptr);
-  stepSim();
-  EXPECT_TRUE(palette.text().empty());
-  EXPECT_FALSE(palette.wantsText());
-}
-
-TEST_F(TextOutput, SaveWritesTheWholeLogAsUtf8) {
-  QTemporaryDir dir;
-  ASSERT_TRUE(dir.isValid());
-  Body* body = host.w.createBody();
-  copyName(body->name, "Höhe\u00a01");  // a no-break space the text view would lose
-  palette.clickBegin(nullptr);
-  for (int i = 0; i < 3; ++i)
+  QTest::mouseClick(button("end"), Qt::LeftButton);
+  for (int i = 0; i < 5; ++i)
     stepSim();
-  dialogs.savePath = dir.filePath(QStringLiteral("run.txt"));
-  QTest::mouseClick(button("save"), Qt::LeftButton);
-  ASSERT_EQ(dialogs.saveTitles.size(), 1u);
-  EXPECT_EQ(dialogs.saveTitles[0], QStringLiteral("Save Log"));
-  EXPECT_TRUE(dialogs.saveSuffixes[0].isEmpty());
-  QFile saved(*dialogs.savePath);
-  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
-  EXPECT_EQ(saved.readAll().toStdString(), palette.text());
+  EXPECT_EQ(lines(), 1);
+  // Lines that arrived together reach the text view within its show interval.
+  EXPECT_TRUE(QTest::qWaitFor(
+      [this] { return viewtext()->toPlainText().toStdString() == palette.text(); }, 2000));
 }
 
 // A long log of a large world: the text view holds only the newest lines,
@@ -131,6 +77,8 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
   for (int i = 0; i < 40; ++i) {
     Body* b = host.w.createBody();
     b->position = Vector::of(1000.0 * i, 0, 0);
+    if (i == 39)  // past what the view shows: it would lose the no-break space
+      copyName(b->name, "Höhe\u00a01");
   }
   host.showOutputPaletteFromMenu(nullptr);
   palette.clickBegin(nullptr);
@@ -146,6 +94,7 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
         return !shown.isEmpty() && shown.back().startsWith(QString::fromStdString(newest));
       },
       2000));
+  screenshot(palette.window(), "text_palette");
   EXPECT_EQ(palette.lineCount(), kSteps);
   EXPECT_LE(viewtext()->blockCount(), 300);  // 256 KB of lines cut to 1 KB
   for (const QString& line : viewtext()->toPlainText().split('\n'))
@@ -155,7 +104,9 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
 
   QTemporaryDir dir;
   dialogs.savePath = dir.filePath(QStringLiteral("run.txt"));
-  palette.clickSave(nullptr);
+  QTest::mouseClick(button("save"), Qt::LeftButton);
+  EXPECT_EQ(dialogs.saveTitles, std::vector<QString>{QStringLiteral("Save Log")});
+  EXPECT_EQ(dialogs.saveSuffixes, std::vector<QString>{QString()});
   QFile saved(*dialogs.savePath);
   ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
   EXPECT_EQ(saved.readAll().toStdString(), log);
@@ -165,6 +116,7 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
 TEST_F(TextOutput, CancelledOrFailedSaveWritesNothing) {
   QTemporaryDir dir;
   palette.writeLine();
+  EXPECT_EQ(viewtext()->toPlainText().toStdString(), palette.text());  // shown at once
   palette.clickSave(nullptr);  // cancelled: the panel returns nothing
   dialogs.savePath = dir.filePath(QStringLiteral("missing/dir/run.txt"));
   palette.clickSave(nullptr);
@@ -182,23 +134,6 @@ TEST_F(TextOutput, CloseBoxHidesThroughTheToggleAndLoggingGoesOn) {
   EXPECT_FALSE(visible);
   stepSim();
   EXPECT_EQ(lines(), 1);
-}
-
-TEST_F(TextOutput, PictureInUse) {
-  for (const char* name : {"Sun", "Earth", "Moon"}) {
-    Body* b = host.w.createBody();
-    copyName(b->name, name);
-    b->position = Vector::of(static_cast<double>(b->id - 100) * 50.0, 0, 0);
-    b->velocity = Vector::of(0, static_cast<double>(b->id - 100), 0);
-  }
-  host.showOutputPaletteFromMenu(nullptr);
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(palette.window()));
-  palette.clickBegin(nullptr);
-  for (int i = 0; i < 12; ++i)
-    stepSim();
-  ASSERT_TRUE(QTest::qWaitFor(
-      [this] { return viewtext()->toPlainText().toStdString() == palette.text(); }, 2000));
-  screenshot(palette.window(), "text_palette");
 }
 
 }  // namespace

@@ -100,8 +100,15 @@ def test_other_threads_cannot_touch_a_world_while_it_steps():
 def test_recording_has_a_frame_per_k_steps_and_nan_after_a_merge():
     w = two_body_world()
     w.velocities = [[-1, 0, 0], [1, 0, 0]]
-    east = w.bodies[0]
+    east, west = w.bodies
     r = w.record(100, every=30)
+    # The body merged away is gone for its handle too.
+    assert len(w) == 1 and east.exists and not west.exists
+    # The radius is a cube root: within an ulp or two.
+    assert east.radius == pytest.approx(0.1 * 2 ** (1 / 3), rel=1e-15)
+    with pytest.raises(LookupError):
+        west.position
+    assert "gone" in repr(west)
     assert r.steps.tolist() == [0, 30, 60, 90, 100]
     assert r.times[-1] == w.elapsed_time and r.ids.tolist() == [100, 101]
     assert r.positions.shape == (5, 2, 3) and r.masses.shape == (5, 2)

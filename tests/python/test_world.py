@@ -58,18 +58,6 @@ def test_bodies_are_added_found_and_removed_by_identifier():
     assert len(w) == 3  # a refused add leaves nothing behind
 
 
-def test_a_body_merged_away_is_gone_for_its_handle():
-    w = two_body_world()
-    w.velocities = [[-1, 0, 0], [1, 0, 0]]
-    east, west = w.bodies
-    w.step(100)
-    assert len(w) == 1 and east.exists and not west.exists
-    assert east.mass == 2 and east.radius == pytest.approx(0.1 * 2 ** (1 / 3), rel=1e-15)
-    with pytest.raises(LookupError):
-        west.position
-    assert "gone" in repr(west)
-
-
 def test_body_vectors_are_read_only_copies():
     w = two_body_world()
     body = w.bodies[0]

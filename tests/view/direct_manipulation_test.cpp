@@ -15,15 +15,6 @@ QPointF pixelOf(const OrrenvaleGL& gl, const Vector& p) {
   return at ? QPointF(at->x, at->yTop) / gl.devicePixelRatio() : QPointF();
 }
 
-// A left drag in five moves, with the modifiers held throughout.
-void leftDrag(OrrenvaleGL& gl, QPointF from, QPointF to, Qt::KeyboardModifiers modifiers) {
-  QTest::mousePress(&gl, Qt::LeftButton, modifiers, from.toPoint());
-  for (int i = 1; i <= 5; ++i) {
-    moveWithButtons(gl, from + (to - from) * i / 5, Qt::LeftButton, modifiers);
-  }
-  QTest::mouseRelease(&gl, Qt::LeftButton, modifiers, to.toPoint());
-}
-
 double axis(const Vector& v, int a) {
   return a == 0 ? v.x : a == 1 ? v.y : v.z;
 }
@@ -95,7 +86,7 @@ TEST_P(ShiftDrag, MovesTheBodyInThePanPlaneOnly) {
   gl.captureView();
   const QPointF from = pixelOf(gl, start);
   const QPointF to = from + QPointF(30, -25);
-  leftDrag(gl, from, to, Qt::ShiftModifier);
+  drag(gl, Qt::LeftButton, from, to, Qt::ShiftModifier);
 
   EXPECT_EQ(axis(body->position, c.fixedAxis), axis(start, c.fixedAxis));
   EXPECT_FALSE(sameBits(body->position, start));
@@ -130,7 +121,7 @@ TEST_F(DirectManipulation, DraggingTheVelocityTipSetsTheVelocity) {
   moveWithButtons(gl, QPointF(10, 10), Qt::NoButton, Qt::ShiftModifier);
   EXPECT_EQ(gl.cursor().shape(), Qt::ArrowCursor);
 
-  leftDrag(gl, tip, tip + QPointF(0, -40), Qt::ShiftModifier);
+  drag(gl, Qt::LeftButton, tip, tip + QPointF(0, -40), Qt::ShiftModifier);
   EXPECT_EQ(body->velocity.z, -3.0);
   EXPECT_GT(body->velocity.y, 10.0);
   // The pointer moved straight up: x changes only by the rounding of the
@@ -154,7 +145,7 @@ TEST_F(DirectManipulation, WithoutShiftOrOutsideDesignModeTheDragTurnsTheScene) 
     gl.captureView();
     moveWithButtons(gl, QPointF(150, 150), Qt::NoButton, modifiers);
     EXPECT_EQ(gl.cursor().shape(), Qt::ArrowCursor);
-    leftDrag(gl, QPointF(150, 150), QPointF(200, 150), modifiers);
+    drag(gl, Qt::LeftButton, QPointF(150, 150), QPointF(200, 150), modifiers);
     EXPECT_TRUE(sameBits(body->position, Vector()));
     EXPECT_LT(gl.view()->trackball->rotation.w, 1.0);
     EXPECT_EQ(gl.view()->selectedBodyID, body->id);

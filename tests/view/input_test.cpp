@@ -37,12 +37,7 @@ TEST_P(InputDrag, LeftDragTurnsTheSceneTheWayThePointerMoves) {
   OrrenvaleGL& gl = openView(300, 300);
   gl.view()->gridlineEnabled = false;
   const auto before = centroid(gl.captureView(), pureRed());
-  const QPoint start(150, 150);
-  QTest::mousePress(&gl, Qt::LeftButton, Qt::NoModifier, start);
-  for (int i = 1; i <= 5; ++i) {
-    moveWithButtons(gl, start + c.by * i / 5, Qt::LeftButton);
-  }
-  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::NoModifier, start + c.by);
+  drag(gl, Qt::LeftButton, QPointF(150, 150), QPointF(150, 150) + c.by);
   const auto after = centroid(gl.captureView(), pureRed());
   ASSERT_TRUE(before && after);
   const QPointF moved = *after - *before;
@@ -58,53 +53,48 @@ INSTANTIATE_TEST_SUITE_P(Directions, InputDrag,
                                            DragCase{"Up", {0, -60}}, DragCase{"Down", {0, 60}}),
                          [](const auto& p) { return std::string(p.param.name); });
 
-using Input = ViewFixture;
+struct CameraDragCase {
+  const char* name;
+  Qt::MouseButton button;
+  Qt::KeyboardModifiers modifiers;
+};
 
-TEST_F(Input, RightDragMovesTheCameraOnlyWhileTheTrackballIsEnabled) {
-  OrrenvaleGL& gl = openView(300, 200);
-  gl.captureView();
-  QTest::mousePress(&gl, Qt::RightButton, Qt::NoModifier, QPoint(150, 100));
-  moveWithButtons(gl, QPoint(170, 140), Qt::RightButton);
-  QTest::mouseRelease(&gl, Qt::RightButton, Qt::NoModifier, QPoint(170, 140));
-  // 40 pixels down in a view 200 high: 1% of the distance 400 away from the
-  // scene, with the factor narrowed to single precision (relative 6e-8).
-  EXPECT_NEAR(gl.view()->cameraPosition.z, 404.0, 1e-4);
-  EXPECT_NEAR(gl.view()->cameraFocus.z, 4.0, 1e-4);
+class InputCameraDrag : public ViewFixture, public ::testing::WithParamInterface<CameraDragCase> {};
 
-  gl.view()->cameraPosition = Vector::of(0, 0, 400);
-  gl.view()->cameraFocus = Vector();
-  gl.view()->trackballEnabled = false;
-  QTest::mousePress(&gl, Qt::RightButton, Qt::NoModifier, QPoint(150, 100));
-  moveWithButtons(gl, QPoint(150, 180), Qt::RightButton);
-  QTest::mouseRelease(&gl, Qt::RightButton, Qt::NoModifier, QPoint(150, 180));
-  expectCamera(*gl.view(), 400, 0);
-}
-
-// A Ctrl-click is a right-button press: it neither selects nor turns the
-// scene, and the drag that follows moves the camera.
-TEST_F(Input, CtrlLeftButtonActsAsTheRightButton) {
+// A right drag, and a Ctrl-left drag (a right-button press), neither selects
+// nor turns the scene: one move 40 pixels down in a view 200 high move the camera 1%
+// of the distance 400 away from the scene, with the factor narrowed to
+// single precision (relative 6e-8).
+TEST_P(InputCameraDrag, MovesTheCameraWithoutSelectingOrTurning) {
   const Body* body = addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
   OrrenvaleGL& gl = openView(300, 200);
   gl.view()->selectedBodyID = body->id;
   gl.captureView();
-  QTest::mousePress(&gl, Qt::LeftButton, Qt::ControlModifier, QPoint(10, 100));
-  moveWithButtons(gl, QPoint(60, 140), Qt::LeftButton, Qt::ControlModifier);
-  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::ControlModifier, QPoint(60, 140));
+  drag(gl, GetParam().button, QPointF(10, 100), QPointF(60, 140), GetParam().modifiers, 1);
   EXPECT_EQ(gl.view()->selectedBodyID, body->id);
   EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
   EXPECT_NEAR(gl.view()->cameraPosition.z, 404.0, 1e-4);
+  EXPECT_NEAR(gl.view()->cameraFocus.z, 4.0, 1e-4);
 }
 
-TEST_F(Input, ClicksSelectButDragsDoNothingWithTheTrackballDisabled) {
+INSTANTIATE_TEST_SUITE_P(Buttons, InputCameraDrag,
+                         ::testing::Values(CameraDragCase{"Right", Qt::RightButton, {}},
+                                           CameraDragCase{"CtrlLeft", Qt::LeftButton,
+                                                          Qt::ControlModifier}),
+                         [](const auto& p) { return std::string(p.param.name); });
+
+using Input = ViewFixture;
+
+TEST_F(Input, WithTheTrackballDisabledClicksSelectButDragsMoveNothing) {
   const Body* body = addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
   OrrenvaleGL& gl = openView(300, 200);
   gl.view()->trackballEnabled = false;
   gl.captureView();
-  QTest::mousePress(&gl, Qt::LeftButton, Qt::NoModifier, QPoint(150, 100));
-  moveWithButtons(gl, QPoint(250, 150), Qt::LeftButton);
-  QTest::mouseRelease(&gl, Qt::LeftButton, Qt::NoModifier, QPoint(250, 150));
+  drag(gl, Qt::LeftButton, QPointF(150, 100), QPointF(250, 150));
   EXPECT_EQ(gl.view()->selectedBodyID, body->id);
   EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
+  drag(gl, Qt::RightButton, QPointF(150, 100), QPointF(150, 180));
+  expectCamera(*gl.view(), 400, 0);
 }
 
 struct WheelCase {

@@ -35,6 +35,40 @@ TEST_F(Rendering, EmptyWorldShowsOnlyTheGridAndTheMarkerOnBlack) {
     }
   }
   EXPECT_EQ(other, 0);
+  // With the grid switched off, neither lattice nor marker.
+  gl.view()->gridlineEnabled = false;
+  EXPECT_EQ(countPixels(gl.captureView(), [](QRgb p) { return !isBlack(p); }), 0);
+}
+
+class Capture : public ViewFixture, public ::testing::WithParamInterface<QSize> {};
+
+// A body above the centre is in the top half of the image: rows are upright.
+TEST_P(Capture, ImageHasTheViewsSizeWithoutAlphaAndIsUpright) {
+  const int w = GetParam().width();
+  const int h = GetParam().height();
+  addBody(Vector::of(0, 60, 0), 15.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL& gl = openView(w, h);
+  const QImage image = gl.captureView();
+  EXPECT_EQ(image.width(), w);
+  EXPECT_EQ(image.height(), h);
+  EXPECT_EQ(image.bytesPerLine(), 4 * w);
+  EXPECT_FALSE(image.hasAlphaChannel());
+  EXPECT_EQ(qAlpha(image.pixel(0, 0)), 255);
+  EXPECT_GT(countPixels(image.copy(0, 0, w, h / 2), pureRed()), 50);
+  EXPECT_EQ(countPixels(image.copy(0, h / 2, w, h - h / 2), pureRed()), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, Capture, ::testing::Values(QSize(300, 200), QSize(200, 300)),
+                         sizeName);
+
+TEST_F(Rendering, ViewNeverShownCapturesBlackAtItsSizeAndPicksNothing) {
+  addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
+  OrrenvaleGL gl;
+  gl.resize(120, 80);
+  EXPECT_EQ(gl.pick(10, 10), 0);
+  const QImage image = gl.captureView();
+  EXPECT_EQ(image.size(), QSize(120, 80));
+  EXPECT_TRUE(isBlack(image.pixel(60, 40)));
 }
 
 // True when some pixel within 4 pixels of (x, y) passes the test.
@@ -71,13 +105,6 @@ TEST_F(Rendering, AxisMarkerSitsAtTheOriginWithColouredPositiveTips) {
   EXPECT_TRUE(anyAround(image, 150 - 60, 150, white));
   EXPECT_TRUE(anyAround(image, 150, 150 - 60, markerGreen));
   EXPECT_FALSE(anyAround(image, 150, 150 + 60, markerGreen));
-}
-
-TEST_F(Rendering, GridSwitchedOffDrawsNeitherLatticeNorMarker) {
-  OrrenvaleGL& gl = openView(300, 200);
-  gl.view()->gridlineEnabled = false;
-  const QImage image = gl.captureView();
-  EXPECT_EQ(countPixels(image, [](QRgb p) { return !isBlack(p); }), 0);
 }
 
 // A sphere lit from the viewer is brightest at its centre and darker towards

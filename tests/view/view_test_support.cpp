@@ -26,10 +26,23 @@ Body* ViewFixture::addBody(const Vector& position, double radius, float r, float
   return body;
 }
 
+std::string sizeName(const ::testing::TestParamInfo<QSize>& info) {
+  return std::to_string(info.param.width()) + "x" + std::to_string(info.param.height());
+}
+
 void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
                      Qt::KeyboardModifiers modifiers) {
   QMouseEvent move(QEvent::MouseMove, to, w.mapToGlobal(to), Qt::NoButton, buttons, modifiers);
   QCoreApplication::sendEvent(&w, &move);
+}
+
+void drag(QWidget& w, Qt::MouseButton button, QPointF from, QPointF to,
+          Qt::KeyboardModifiers modifiers, int moves) {
+  QTest::mousePress(&w, button, modifiers, from.toPoint());
+  for (int i = 1; i <= moves; ++i) {
+    moveWithButtons(w, from + (to - from) * i / moves, button, modifiers);
+  }
+  QTest::mouseRelease(&w, button, modifiers, to.toPoint());
 }
 
 PixelTest pureRed() {

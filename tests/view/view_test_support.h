@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QSize>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "engine/world.h"
@@ -50,10 +52,17 @@ class ViewFixture : public ::testing::Test {
   std::vector<std::unique_ptr<OrrenvaleGL>> views;
 };
 
+// Names a test parametrised over window sizes by its size, as 300x200.
+std::string sizeName(const ::testing::TestParamInfo<QSize>& info);
+
 // A pointer move as the window system sends it, with the buttons still held
 // during a drag (or none while hovering).
 void moveWithButtons(QWidget& w, QPointF to, Qt::MouseButtons buttons,
                      Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+// A press, `moves` even pointer moves and a release, the modifiers held
+// throughout.
+void drag(QWidget& w, Qt::MouseButton button, QPointF from, QPointF to,
+          Qt::KeyboardModifiers modifiers = Qt::NoModifier, int moves = 5);
 
 // Pixel classification on captured images.
 using PixelTest = std::function<bool(QRgb)>;
