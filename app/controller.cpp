@@ -1,5 +1,4 @@
-// The Controller's life cycle, the simulation clock's commands and the
-// palette toggles.
+// The Controller's life cycle and the simulation clock's commands.
 #include "controller.h"
 
 #include <QAction>
@@ -171,26 +170,6 @@ void Controller::showSimulationState() {
   predictor_->setEnabled(editing_);
 }
 
-void Controller::deleteBody(int32_t id) {
-  history_->deleteBody(id);
-}
-
-void Controller::bodyDragged(const BodyDrag& drag) {
-  history_->bodyDragged(drag);
-}
-
-const PredictedPaths* Controller::predictedPaths(double horizon) {
-  return predictor_->paths(*w, horizon);
-}
-
-void Controller::commitBodyEdit(Body& body, const std::function<void()>& apply) {
-  history_->commitBodyEdit(body, apply);
-}
-
-void Controller::commitWorldEdit(const std::function<void()>& apply) {
-  history_->commitWorldEdit(apply);
-}
-
 void Controller::setWorldSpeed(float millisecondsPerUpdate) {
   w->millisecondsPerUpdate = boundedWorldSpeed(millisecondsPerUpdate);
   if (running()) {
@@ -248,98 +227,6 @@ void Controller::getAccelerations() {
   if (!running()) {
     w->computeAccelerations();
   }
-}
-
-bool Controller::simPaletteVisible() const {
-  return menus_->menuSimPalette->isChecked();
-}
-
-bool Controller::viewPaletteVisible() const {
-  return menus_->menuViewPalette->isChecked();
-}
-
-bool Controller::bodyPaletteVisible() const {
-  return menus_->menuBodyInfoPalette->isChecked();
-}
-
-bool Controller::textPaletteVisible() const {
-  return menus_->menuSimOutput->isChecked();
-}
-
-bool Controller::graphsPaletteVisible() const {
-  return menus_->menuSimGraphs->isChecked();
-}
-
-void Controller::togglePalette(QObject* sender, QObject* palette, QWidget* window, QAction* item,
-                               const std::function<void()>& becomeVisible,
-                               const std::function<void()>& becomeInvisible) {
-  if (item->isChecked()) {
-    if (becomeInvisible) {
-      becomeInvisible();
-    }
-    if (sender != palette) {
-      window->close();
-    }
-    item->setChecked(false);
-    // A palette passes itself when its close box closed it.
-    checkWindowsLeft(sender == palette);
-  } else {
-    if (becomeVisible) {
-      becomeVisible();
-    }
-    window->show();
-    item->setChecked(true);
-  }
-}
-
-void Controller::showSimulationPaletteFromMenu(QObject* sender) {
-  SimulationWindowController* p = simPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuSimPalette, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
-}
-
-void Controller::showViewPaletteFromMenu(QObject* sender) {
-  ViewWindowController* p = viewPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuViewPalette, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
-}
-
-void Controller::showBodyPaletteFromMenu(QObject* sender) {
-  BodyWindowController* p = bodyPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuBodyInfoPalette, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
-}
-
-void Controller::showOutputPaletteFromMenu(QObject* sender) {
-  // The text log has no refresh timer: only its window is shown or hidden.
-  TextOutputController* p = textPalette_.get();
-  togglePalette(sender, p, p->window(), menus_->menuSimOutput, {}, {});
-}
-
-void Controller::showGraphsPaletteFromMenu(QObject* sender) {
-  GraphsWindowController* p = graphsPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuSimGraphs, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
-}
-
-void Controller::checkWindowsLeft(bool closedByUser) {
-  QTimer::singleShot(0, this, [this, closedByUser] {
-    const bool anyLeft = !windows_->windows().empty() || simPaletteVisible() ||
-                         viewPaletteVisible() || bodyPaletteVisible() || textPaletteVisible() ||
-                         graphsPaletteVisible();
-    if (anyLeft) {
-      return;
-    }
-    if (closedByUser) {
-      QApplication::quit();
-    } else {
-      showSimulationPaletteFromMenu(nullptr);
-    }
-  });
 }
 
 SplashWindow* Controller::splashWindow() const {

@@ -36,8 +36,9 @@ class World;
 // front over the parts that do the work: the simulation clock, the registry
 // of view windows and the menus. It owns the world, the design state and
 // the palettes. Its operations are spread over files by subject:
-// controller.cpp (life cycle, clock, palettes), design_mode.cpp,
-// document_commands.cpp and view_commands.cpp (view windows, bodies, menus).
+// controller.cpp (life cycle, clock), palette_toggles.cpp, design_mode.cpp
+// (design state and its undo history), document_commands.cpp,
+// view_commands.cpp (view windows, bodies) and menu_wiring.cpp (menus).
 class Controller : public QObject, public PaletteHost, public BodyObserver {
   Q_OBJECT
 

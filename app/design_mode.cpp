@@ -7,6 +7,7 @@
 #include "palettes/panels.h"
 #include "palettes/simulation_window_controller.h"
 #include "palettes/text_output_controller.h"
+#include "view/path_predictor.h"
 #include "view_window_registry.h"
 
 void Controller::edit(QObject* /*sender*/) {
@@ -83,4 +84,26 @@ void Controller::menuNew(QObject* /*sender*/) {
     saveDocumentFromMenu(nullptr);
   }
   newProgram();
+}
+
+// Edits of the design go through its undo history; the paths shown in
+// design mode are predicted from it.
+void Controller::deleteBody(int32_t id) {
+  history_->deleteBody(id);
+}
+
+void Controller::bodyDragged(const BodyDrag& drag) {
+  history_->bodyDragged(drag);
+}
+
+const PredictedPaths* Controller::predictedPaths(double horizon) {
+  return predictor_->paths(*w, horizon);
+}
+
+void Controller::commitBodyEdit(Body& body, const std::function<void()>& apply) {
+  history_->commitBodyEdit(body, apply);
+}
+
+void Controller::commitWorldEdit(const std::function<void()>& apply) {
+  history_->commitWorldEdit(apply);
 }
