@@ -19,6 +19,7 @@ class DesignHistory;
 class GraphsWindowController;
 class PathPredictor;
 class OrrenvaleGL;
+class PaletteController;
 class OrrenvaleGLWindowController;
 class Panels;
 class QAction;
@@ -181,6 +182,7 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   void togglePalette(QObject* sender, QObject* palette, QWidget* window, QAction* item,
                      const std::function<void()>& becomeVisible,
                      const std::function<void()>& becomeInvisible);
+  void toggleRefreshingPalette(QObject* sender, PaletteController& palette, QAction* item);
 
   World* w = nullptr;
   Panels* panels_;

@@ -56,25 +56,25 @@ void Controller::togglePalette(QObject* sender, QObject* palette, QWidget* windo
   }
 }
 
-void Controller::showSimulationPaletteFromMenu(QObject* sender) {
-  SimulationWindowController* p = simPalette_.get();
+void Controller::toggleRefreshingPalette(QObject* sender, PaletteController& palette,
+                                         QAction* item) {
+  // A palette with a refresh timer starts it when shown and stops it when
+  // hidden.
   togglePalette(
-      sender, p, p->window(), menus_->menuSimPalette, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
+      sender, &palette, palette.window(), item, [&palette] { palette.becomeVisible(); },
+      [&palette] { palette.becomeInvisible(); });
+}
+
+void Controller::showSimulationPaletteFromMenu(QObject* sender) {
+  toggleRefreshingPalette(sender, *simPalette_, menus_->menuSimPalette);
 }
 
 void Controller::showViewPaletteFromMenu(QObject* sender) {
-  ViewWindowController* p = viewPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuViewPalette, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
+  toggleRefreshingPalette(sender, *viewPalette_, menus_->menuViewPalette);
 }
 
 void Controller::showBodyPaletteFromMenu(QObject* sender) {
-  BodyWindowController* p = bodyPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuBodyInfoPalette, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
+  toggleRefreshingPalette(sender, *bodyPalette_, menus_->menuBodyInfoPalette);
 }
 
 void Controller::showOutputPaletteFromMenu(QObject* sender) {
@@ -84,10 +84,7 @@ void Controller::showOutputPaletteFromMenu(QObject* sender) {
 }
 
 void Controller::showGraphsPaletteFromMenu(QObject* sender) {
-  GraphsWindowController* p = graphsPalette_.get();
-  togglePalette(
-      sender, p, p->window(), menus_->menuSimGraphs, [p] { p->becomeVisible(); },
-      [p] { p->becomeInvisible(); });
+  toggleRefreshingPalette(sender, *graphsPalette_, menus_->menuSimGraphs);
 }
 
 void Controller::checkWindowsLeft(bool closedByUser) {
