@@ -130,10 +130,7 @@ TEST_F(AppTest, ThereIsNeverMoreThanOneUpdateTimer) {
   controller->stopSim();
   EXPECT_FALSE(controller->running());
   EXPECT_TRUE(item("menuSimStep")->isEnabled());
-}
-
-TEST_F(AppTest, SpeedChangedWhileStoppedIsUsedByTheNextRun) {
-  controller->edit(nullptr);
+  // A speed set while stopped is the next run's.
   controller->setWorldSpeed(35.0f);
   EXPECT_EQ(controller->updateTimer(), nullptr);
   controller->runSim();
@@ -255,16 +252,6 @@ TEST_F(AppTest, ViewItemsFollowTheMainWindow) {
   controller->handleViewKeyCommands(item("menuZin"));
 }
 
-TEST_F(AppTest, PanPlaneIsOneSettingForTheApplication) {
-  item("menuViewXZ")->trigger();
-  EXPECT_EQ(controller->panType(), kPanTypeXZ);
-  EXPECT_TRUE(item("menuViewXZ")->isChecked());
-  EXPECT_FALSE(item("menuViewXY")->isChecked());
-  EXPECT_FALSE(item("menuViewYZ")->isChecked());
-  item("menuViewYZ")->trigger();
-  EXPECT_EQ(controller->panType(), kPanTypeYZ);
-}
-
 TEST_F(AppTest, ViewCommandsReachTheMainView) {
   View* v = controller->currentView();
   const double z = v->cameraPosition.z;
@@ -282,6 +269,14 @@ TEST_F(AppTest, ViewCommandsReachTheMainView) {
   EXPECT_EQ(world().findBodyById(100), nullptr);
   EXPECT_EQ(item("menuDeleteThis")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Backspace));
   EXPECT_EQ(item("menuZout")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Minus));
+  // The pan plane is one setting for the application, one item checked.
+  item("menuViewXZ")->trigger();
+  EXPECT_EQ(controller->panType(), kPanTypeXZ);
+  EXPECT_TRUE(item("menuViewXZ")->isChecked());
+  EXPECT_FALSE(item("menuViewXY")->isChecked());
+  item("menuViewYZ")->trigger();
+  EXPECT_EQ(controller->panType(), kPanTypeYZ);
+  EXPECT_FALSE(item("menuViewXZ")->isChecked());
 }
 
 TEST_F(AppTest, PaletteTogglesKeepFlagMarkAndWindowInStep) {

@@ -106,12 +106,8 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   EXPECT_NEAR(angles.x, 0.3, 1e-12);
   EXPECT_NEAR(angles.y, -0.4, 1e-12);
   EXPECT_NEAR(angles.z, 1.1, 1e-12);
-}
 
-TEST_F(DocumentTest, OpenWithOnlyBodiesGivesDefaultParametersAndNoView) {
-  designWorld();
-  panels.saves.push_back(saveAll("world.ovd"));
-  controller->saveDocumentFromMenu(nullptr);
+  // The bodies alone: default parameters and no view.
   panels.opens.push_back({path("world.ovd"), true, false, false});
   controller->openDocumentFromMenu(nullptr);
   flush();
@@ -120,69 +116,59 @@ TEST_F(DocumentTest, OpenWithOnlyBodiesGivesDefaultParametersAndNoView) {
   EXPECT_STREQ(world().name, "Default world");
   EXPECT_EQ(viewWindowCount(), 0);
   EXPECT_TRUE(controller->editing());
+
+  // A file named on the command line opens whole, without asking first.
+  const int asked = panels.confirmations;
+  EXPECT_TRUE(controller->openFile(path("world.ovd")));
+  flush();
+  EXPECT_EQ(panels.confirmations, asked);
+  EXPECT_TRUE(controller->editing());
+  EXPECT_EQ(viewWindowCount(), 2);
 }
 
-TEST_F(DocumentTest, SaveDesignStateWritesTheDesignAndShowsIt) {
-  designWorld();
-  controller->edit(nullptr);
-  for (int i = 0; i < 10; ++i)
-    controller->stepSim(nullptr);
-  world().findBodyById(100)->position.x = 99.0;
+struct SaveCase {
+  const char* name;
+  bool leave;  // leave design mode and take ten steps first
+  bool run;    // and set the clock running
+  int stateIndex;
+  double shown;  // the position the world shows and the file holds
+};
 
-  panels.saves.push_back(saveAll("design.ovd", 0));
+class SaveState : public DocumentTest, public ::testing::WithParamInterface<SaveCase> {};
+
+// Saving the design state shows the design; saving the current state keeps
+// the run, stopped; in design mode the design state is the edited world.
+TEST_P(SaveState, WritesTheChosenStateAndShowsIt) {
+  const SaveCase c = GetParam();
+  designWorld();
+  if (c.leave) {
+    controller->edit(nullptr);
+    for (int i = 0; i < 10; ++i)
+      controller->stepSim(nullptr);
+  }
+  if (c.run)
+    controller->toggleSim(nullptr);
+  world().findBodyById(100)->position.x = 99.0;
+  panels.saves.push_back(saveAll("saved.ovd", c.stateIndex));
   controller->saveDocumentFromMenu(nullptr);
   flush();
-  EXPECT_FALSE(controller->editing());
-  EXPECT_EQ(world().findBodyById(100)->position.x, 12.5);
-  EXPECT_EQ(world().elapsedTime, 0.0);
-  const DocumentReadResult read = readDocumentFile(path("design.ovd"));
-  ASSERT_TRUE(read.dict.has_value());
-  World check;
-  loadToWorldFromDict(check, &*read.dict, {});
-  EXPECT_EQ(check.findBodyById(100)->position.x, 12.5);
-}
-
-TEST_F(DocumentTest, SaveCurrentStateWritesTheRunAndStaysStopped) {
-  designWorld();
-  controller->edit(nullptr);
-  controller->toggleSim(nullptr);
-  world().findBodyById(100)->position.x = 99.0;
-  panels.saves.push_back(saveAll("current.ovd", 1));
-  controller->saveDocumentFromMenu(nullptr);
   EXPECT_FALSE(controller->running());
-  EXPECT_FALSE(controller->editing());
-  EXPECT_EQ(world().findBodyById(100)->position.x, 99.0);
-  const DocumentReadResult read = readDocumentFile(path("current.ovd"));
+  EXPECT_EQ(controller->editing(), !c.leave);
+  EXPECT_EQ(world().findBodyById(100)->position.x, c.shown);
+  EXPECT_EQ(world().elapsedTime == 0.0, c.stateIndex == 0);
+  EXPECT_EQ(viewWindowCount(), 2);
+  const DocumentReadResult read = readDocumentFile(path("saved.ovd"));
   ASSERT_TRUE(read.dict.has_value());
   World check;
   loadToWorldFromDict(check, &*read.dict, {});
-  EXPECT_EQ(check.findBodyById(100)->position.x, 99.0);
+  EXPECT_EQ(check.findBodyById(100)->position.x, c.shown);
 }
 
-TEST_F(DocumentTest, SaveDesignStateInDesignModeKeepsTheEdits) {
-  designWorld();
-  world().findBodyById(100)->position.x = -4.0;
-  panels.saves.push_back(saveAll("edited.ovd", 0));
-  controller->saveDocumentFromMenu(nullptr);
-  flush();
-  EXPECT_TRUE(controller->editing());
-  EXPECT_EQ(world().findBodyById(100)->position.x, -4.0);
-  EXPECT_EQ(viewWindowCount(), 2);
-}
-
-TEST_F(DocumentTest, CommandLineFileOpensInDesignMode) {
-  designWorld();
-  panels.saves.push_back(saveAll("cli.ovd"));
-  controller->saveDocumentFromMenu(nullptr);
-  controller->resetSim(nullptr);
-  flush();
-  EXPECT_TRUE(controller->openFile(path("cli.ovd")));
-  flush();
-  EXPECT_EQ(panels.confirmations, 0);
-  EXPECT_TRUE(controller->editing());
-  EXPECT_EQ(world().bodies->count(), 2);
-  EXPECT_EQ(viewWindowCount(), 2);
-}
+INSTANTIATE_TEST_SUITE_P(States, SaveState,
+                         ::testing::Values(SaveCase{"DesignAfterARun", true, false, 0, 12.5},
+                                           SaveCase{"CurrentWhileRunning", true, true, 1, 99.0},
+                                           SaveCase{"DesignInDesignMode", false, false, 0, 99.0}),
+                         [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
   QFile garbage(path("garbage.ovd"));

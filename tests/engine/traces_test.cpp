@@ -25,29 +25,23 @@ void setUpTwoTracedBodies(World& world) {
   b->traceEnable = true;
 }
 
+// The adaptive step, which refines nothing here, records once per step too.
 TEST(Traces, ListKeepsExactlyTheNewestPointsInOrder) {
-  World world;
-  setUpTwoTracedBodies(world);
-  world.traceHistoryPoints = 5;
-  for (int i = 0; i < 4; ++i)
-    world.step();
-  const auto p = pointsOf(world);
-  ASSERT_EQ(p.size(), 5u);
-  // Second body's point of step 2, then both bodies' points of steps 3 and 4.
-  const double expected[5][2] = {{10, 100}, {2, 0}, {20, 100}, {3, 0}, {30, 100}};
-  for (int i = 0; i < 5; ++i) {
-    EXPECT_EQ(p[i]->x, expected[i][0]) << i;
-    EXPECT_EQ(p[i]->y, expected[i][1]) << i;
-  }
-}
-
-TEST(Traces, BoundOfZeroOrBelowKeepsNoPoints) {
-  for (int bound : {0, -1, -2147483647 - 1}) {
+  for (const bool adaptive : {false, true}) {
     World world;
+    world.adaptive = adaptive;
     setUpTwoTracedBodies(world);
-    world.traceHistoryPoints = bound;
-    world.step();
-    EXPECT_EQ(world.tracePoints->count(), 0) << bound;
+    world.traceHistoryPoints = 5;
+    for (int i = 0; i < 4; ++i)
+      world.step();
+    const auto p = pointsOf(world);
+    ASSERT_EQ(p.size(), 5u);
+    // Second body's point of step 2, then both bodies' points of steps 3 and 4.
+    const double expected[5][2] = {{10, 100}, {2, 0}, {20, 100}, {3, 0}, {30, 100}};
+    for (int i = 0; i < 5; ++i) {
+      EXPECT_EQ(p[i]->x, expected[i][0]) << i << (adaptive ? " adaptive" : "");
+      EXPECT_EQ(p[i]->y, expected[i][1]) << i;
+    }
   }
 }
 
@@ -62,6 +56,12 @@ TEST(Traces, LoweringTheBoundTrimsAtTheNextStep) {
   world.step();
   EXPECT_EQ(world.tracePoints->count(), 3);
   EXPECT_EQ(pointsOf(world).back()->x, 50);
+  // A bound of zero or below keeps none.
+  for (int bound : {0, -1, -2147483647 - 1}) {
+    world.traceHistoryPoints = bound;
+    world.step();
+    EXPECT_EQ(world.tracePoints->count(), 0) << bound;
+  }
 }
 
 TEST(Traces, PointsOutliveTheirBodyAndKeepTheirColour) {
@@ -169,14 +169,6 @@ TEST(Traces, RecordingReferencesChangesNoBitOfTheRun) {
     EXPECT_EQ(xyz(a[i]->velocity), xyz(b[i]->velocity)) << i;
     EXPECT_EQ(a[i]->mass, b[i]->mass) << i;
   }
-}
-
-TEST(Traces, AdaptiveStepRecordsOncePerStep) {
-  World world;
-  world.adaptive = true;
-  setUpTwoTracedBodies(world);
-  world.step();
-  EXPECT_EQ(world.tracePoints->count(), 2);
 }
 
 }  // namespace

@@ -13,12 +13,10 @@ const char* const kControls[] = {"ax",           "ay", "az", "color", "deleteBut
                                  "name",         "px", "py", "pz",    "radius",       "traceenable",
                                  "vectorenable", "vx", "vy", "vz"};
 
-class BodyPalette : public testing::Test {
+class BodyPalette : public PaletteTest<BodyWindowController> {
  protected:
   void SetUp() override {
-    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
-    host.view = &view;
-    host.viewWindow = &viewWindow;
+    giveView();
     earth = named(host.w.createBody(), "Earth");
     moon = named(host.w.createBody(), "Moon");
     view.selectedBodyID = earth->id;
@@ -28,13 +26,6 @@ class BodyPalette : public testing::Test {
     copyName(b->name, name);
     return b;
   }
-
-  void show() {
-    host.showBodyPaletteFromMenu(nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
-  }
-
-  QLineEdit* f(const char* name) { return field(win, name); }
 
   // Every control disabled and showing nothing.
   void expectEmptyAndDisabled() {
@@ -54,15 +45,8 @@ class BodyPalette : public testing::Test {
     }
   }
 
-  TestHost host;
-  ScriptedPanels& dialogs = host.dialogs;
-  View view{0};
-  QWidget viewWindow;
-  BodyWindowController palette;
-  QWidget* win = palette.window();
   Body* earth = nullptr;
   Body* moon = nullptr;
-  bool visible = false;
 };
 
 TEST_F(BodyPalette, WithNoViewWindowEverythingIsDisabledAndEmpty) {

@@ -13,13 +13,9 @@
 
 namespace {
 
-class GraphsPalette : public testing::Test {
+class GraphsPalette : public PaletteTest<GraphsWindowController> {
  protected:
-  void SetUp() override {
-    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
-    host.view = &view;
-    host.viewWindow = &viewWindow;
-  }
+  void SetUp() override { giveView(); }
 
   // The three-body figure eight of Chenciner and Montgomery (G = 1, m = 1).
   void setUpFigureEight(double timeStep) {
@@ -51,13 +47,6 @@ class GraphsPalette : public testing::Test {
     const std::vector<double>& v = palette.history().values(s);
     return *std::max_element(v.begin(), v.end());
   }
-
-  TestHost host;
-  ScriptedPanels& dialogs = host.dialogs;
-  View view{0};
-  QWidget viewWindow;
-  GraphsWindowController palette;
-  bool visible = false;
 };
 
 // The figure eight's largest energy error over one period, as the palette
@@ -133,10 +122,11 @@ TEST_F(GraphsPalette, ExportWritesAHeaderAndOneRowPerSampleOrSaysWhyItCannot) {
   palette.takeBaseline();
   run(0.2, 10);
   QTemporaryDir dir;
-  dialogs.savePath = dir.filePath(QStringLiteral("run.csv"));
+  const QString path = dir.filePath(QStringLiteral("run.csv"));
+  dialogs.files.push_back(path);
   palette.window()->findChild<QPushButton*>(QStringLiteral("exportData"))->click();
-  EXPECT_EQ(dialogs.saveSuffixes.back(), QStringLiteral("csv"));
-  QFile file(*dialogs.savePath);
+  EXPECT_EQ(dialogs.lastFileSuffix, QStringLiteral("csv"));
+  QFile file(path);
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   const QStringList rows = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
   ASSERT_EQ(rows.size(), 5);  // header, three samples, and the final newline
@@ -152,16 +142,15 @@ TEST_F(GraphsPalette, ExportWritesAHeaderAndOneRowPerSampleOrSaysWhyItCannot) {
   // No body is selected: no distance and no speed.
   EXPECT_TRUE(last[7].isEmpty() && last[8].isEmpty());
 
-  dialogs.savePath = dir.filePath(QStringLiteral("missing/run.csv"));
+  dialogs.files.push_back(dir.filePath(QStringLiteral("missing/run.csv")));
   palette.exportData(nullptr);
-  ASSERT_EQ(dialogs.alerts.size(), 1u);
-  EXPECT_TRUE(dialogs.alerts[0].contains(*dialogs.savePath));
-  EXPECT_TRUE(dialogs.alerts[0].contains(QStringLiteral("No such file or directory")));
+  ASSERT_EQ(dialogs.alertMessages.size(), 1u);
+  EXPECT_TRUE(dialogs.alertMessages[0].contains(dir.filePath(QStringLiteral("missing/run.csv"))));
+  EXPECT_TRUE(dialogs.alertMessages[0].contains(QStringLiteral("No such file or directory")));
 }
 
 TEST_F(GraphsPalette, PlotChoiceHidesPlotsAndTheCloseBoxSendsTheToggle) {
-  host.showGraphsPaletteFromMenu(nullptr);
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(palette.window()));
+  show();
   auto* choice = palette.window()->findChild<QAction*>(QStringLiteral("energyShown"));
   auto* plot = palette.window()->findChild<PlotWidget*>(QStringLiteral("energyPlot"));
   ASSERT_TRUE(choice != nullptr && plot != nullptr);

@@ -24,46 +24,10 @@
 #include "engine/world.h"
 #include "palettes/palette_host.h"
 #include "palettes/panels.h"
+#include "scripted_panels.h"
+#include "view/view.h"
 
 class PaletteController;
-
-// Answers the dialogs from a script the test fills in.
-class ScriptedPanels : public Panels {
- public:
-  ScriptedPanels() = default;
-  ScriptedPanels(const ScriptedPanels&) = delete;
-  ScriptedPanels& operator=(const ScriptedPanels&) = delete;
-
-  Answer confirmSaveFirst(QWidget*) override { return Answer::Cancel; }
-  std::optional<OpenChoice> runOpenPanel(QWidget*) override { return std::nullopt; }
-  std::optional<SaveChoice> runSavePanel(QWidget*) override { return std::nullopt; }
-  std::optional<QString> runSaveFilePanel(QWidget*, const QString& title,
-                                          const QString& requiredSuffix) override {
-    saveTitles.push_back(title);
-    saveSuffixes.push_back(requiredSuffix);
-    return savePath;
-  }
-  bool printImage(QWidget*, const QImage&) override { return false; }
-  void alert(QWidget*, const QString& title, const QString& message) override {
-    alerts.push_back(title + QStringLiteral(": ") + message);
-  }
-  std::optional<QColor> chooseColor(QWidget*, const QColor&) override { return color; }
-  std::unique_ptr<Progress> openProgress(QWidget*, const QString&) override { return nullptr; }
-  std::unique_ptr<Progress> openModelessProgress(QWidget*, const QString&,
-                                                 std::function<void()>) override {
-    return nullptr;
-  }
-  std::optional<MovieChoice> runMoviePanel(QWidget*, const QString&) override {
-    return std::nullopt;
-  }
-  void about(QWidget*, const QString&, const QString&) override {}
-
-  std::optional<QString> savePath;
-  std::optional<QColor> color;
-  std::vector<QString> saveTitles;
-  std::vector<QString> saveSuffixes;
-  std::vector<QString> alerts;
-};
 
 // Stands in for the application controller: a real world, a view record
 // the test supplies, flags the test sets, and a count of every command the
@@ -261,3 +225,31 @@ inline void screenshot(QWidget* window, const char* name) {
                         QStringLiteral(".png"));
   }
 }
+
+// A palette on a test host whose toggles all reach it, with a view record
+// and a stand-in view window the palette may be given (host.view).
+template <typename Palette>
+class PaletteTest : public testing::Test {
+ protected:
+  PaletteTest() {
+    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
+  }
+  // Shows the palette through its toggle, as the menu does.
+  void show() {
+    host.showViewPaletteFromMenu(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
+  }
+  QLineEdit* f(const char* name) { return field(win, name); }
+  void giveView() {
+    host.view = &view;
+    host.viewWindow = &viewWindow;
+  }
+
+  TestHost host;
+  ScriptedPanels& dialogs = host.dialogs;
+  View view{0};
+  QWidget viewWindow;
+  Palette palette;
+  QWidget* win = palette.window();
+  bool visible = false;
+};

@@ -10,25 +10,7 @@
 
 namespace {
 
-class SimulationPalette : public testing::Test {
- protected:
-  void SetUp() override {
-    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
-  }
-
-  void show() {
-    host.showSimulationPaletteFromMenu(nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
-  }
-
-  QLineEdit* f(const char* name) { return field(win, name); }
-
-  TestHost host;
-  ScriptedPanels& dialogs = host.dialogs;
-  SimulationWindowController palette;
-  QWidget* win = palette.window();
-  bool visible = false;
-};
+using SimulationPalette = PaletteTest<SimulationWindowController>;
 
 TEST_F(SimulationPalette, ShowingFillsEveryControlBeforeTheFirstTick) {
   palette.becomeVisible();

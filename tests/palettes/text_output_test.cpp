@@ -11,12 +11,8 @@
 
 namespace {
 
-class TextOutput : public testing::Test {
+class TextOutput : public PaletteTest<TextOutputController> {
  protected:
-  void SetUp() override {
-    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
-  }
-
   // What the controller's step does: one world step, then a line if wanted.
   void stepSim() {
     host.w.step();
@@ -31,11 +27,6 @@ class TextOutput : public testing::Test {
     return palette.window()->findChild<QPlainTextEdit*>(QStringLiteral("viewtext"));
   }
   long lines() const { return static_cast<long>(palette.lineCount()); }
-
-  TestHost host;
-  ScriptedPanels& dialogs = host.dialogs;
-  TextOutputController palette;
-  bool visible = false;
 };
 
 TEST_F(TextOutput, LogsOneLinePerStepOnlyWhileOnAndClearKeepsItOn) {
@@ -103,11 +94,12 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
   EXPECT_TRUE(status.startsWith(QStringLiteral("3,000 lines (the newest"))) << status.toStdString();
 
   QTemporaryDir dir;
-  dialogs.savePath = dir.filePath(QStringLiteral("run.txt"));
+  dialogs.files.push_back(dir.filePath(QStringLiteral("run.txt")));
   QTest::mouseClick(button("save"), Qt::LeftButton);
-  EXPECT_EQ(dialogs.saveTitles, std::vector<QString>{QStringLiteral("Save Log")});
-  EXPECT_EQ(dialogs.saveSuffixes, std::vector<QString>{QString()});
-  QFile saved(*dialogs.savePath);
+  EXPECT_TRUE(dialogs.files.empty());
+  EXPECT_EQ(dialogs.lastFileTitle, QStringLiteral("Save Log"));
+  EXPECT_EQ(dialogs.lastFileSuffix, QString());
+  QFile saved(dir.filePath(QStringLiteral("run.txt")));
   ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
   EXPECT_EQ(saved.readAll().toStdString(), log);
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), kSteps);
@@ -118,15 +110,14 @@ TEST_F(TextOutput, CancelledOrFailedSaveWritesNothing) {
   palette.writeLine();
   EXPECT_EQ(viewtext()->toPlainText().toStdString(), palette.text());  // shown at once
   palette.clickSave(nullptr);  // cancelled: the panel returns nothing
-  dialogs.savePath = dir.filePath(QStringLiteral("missing/dir/run.txt"));
+  dialogs.files.push_back(dir.filePath(QStringLiteral("missing/dir/run.txt")));
   palette.clickSave(nullptr);
   EXPECT_TRUE(QDir(dir.path()).isEmpty());
   EXPECT_EQ(palette.text(), "0.000000\n");
 }
 
 TEST_F(TextOutput, CloseBoxHidesThroughTheToggleAndLoggingGoesOn) {
-  host.showOutputPaletteFromMenu(nullptr);
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(palette.window()));
+  show();
   palette.clickBegin(nullptr);
   ASSERT_TRUE(clickCloseBox(palette.window()));
   ASSERT_EQ(host.toggles.size(), 2u);

@@ -10,28 +10,9 @@
 
 namespace {
 
-class ViewPalette : public testing::Test {
+class ViewPalette : public PaletteTest<ViewWindowController> {
  protected:
-  void SetUp() override {
-    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
-    host.view = &view;
-    host.viewWindow = &viewWindow;
-  }
-
-  void show() {
-    host.showViewPaletteFromMenu(nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(win));
-  }
-
-  QLineEdit* f(const char* name) { return field(win, name); }
-
-  TestHost host;
-  ScriptedPanels& dialogs = host.dialogs;
-  View view{0};
-  QWidget viewWindow;
-  ViewWindowController palette;
-  QWidget* win = palette.window();
-  bool visible = false;
+  void SetUp() override { giveView(); }
 };
 
 TEST_F(ViewPalette, ShowingFillsEveryControlAndTitlesTheViewWindow) {
@@ -53,7 +34,7 @@ TEST_F(ViewPalette, ShowingFillsEveryControlAndTitlesTheViewWindow) {
   EXPECT_EQ(viewWindow.windowTitle(), QStringLiteral("View 0"));
 }
 
-TEST_F(ViewPalette, ThirtyDegreesOfRollReadsBackAsThirtyZeroZero) {
+TEST_F(ViewPalette, AnglesReadBackAsTheOrientationTheyGive) {
   show();
   enter(f("tr"), QStringLiteral("30"));
   EXPECT_EQ(f("tr")->text(), QStringLiteral("30"));
@@ -61,10 +42,7 @@ TEST_F(ViewPalette, ThirtyDegreesOfRollReadsBackAsThirtyZeroZero) {
   // noise of the quaternion conversion, far below a millionth of a degree.
   EXPECT_NEAR(readBack(f("tp")), 0.0, 1e-6);
   EXPECT_NEAR(readBack(f("ty")), 0.0, 1e-6);
-}
-
-TEST_F(ViewPalette, PitchBeyondNinetyReadsBackAsAnEquivalentOrientation) {
-  show();
+  enter(f("tr"), QStringLiteral("0"));
   enter(f("tp"), QStringLiteral("120"));
   // Pitching 120 degrees is rolling and yawing half a turn with 60 of pitch.
   EXPECT_EQ(f("tp")->text(), QStringLiteral("60"));
