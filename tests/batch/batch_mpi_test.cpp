@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -151,6 +152,21 @@ QByteArray contents(const QString& path) {
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
 }
 
+// The runner reports a step that takes longer than about half a second on
+// standard error; how long a step takes depends on the machine, not on the
+// job, so those lines are left out of the comparison.
+QByteArray withoutStepProgress(const QByteArray& err) {
+  QByteArray rest;
+  for (const QByteArray& line : err.split('\n')) {
+    if (!line.isEmpty() && !QRegularExpression(QStringLiteral("^orrenvale-batch: step \\d+: "))
+                                .match(QString::fromUtf8(line))
+                                .hasMatch()) {
+      rest += line + '\n';
+    }
+  }
+  return rest;
+}
+
 TEST_P(JobWorlds, OneToFourProcessesWriteTheBytesOfTheRunnerAlone) {
   const QString world = writeWorld(GetParam());
   // No temporary path holds a '|'.
@@ -169,7 +185,7 @@ TEST_P(JobWorlds, OneToFourProcessesWriteTheBytesOfTheRunnerAlone) {
     const QString tag = QStringLiteral("job%1").arg(processes);
     const Outcome job = runJob(processes, args(tag));
     ASSERT_EQ(job.exitCode, 0) << job.err.toStdString();
-    EXPECT_EQ(job.err, QByteArray());
+    EXPECT_EQ(withoutStepProgress(job.err), QByteArray());
     EXPECT_EQ(job.out, alone.out);
     EXPECT_TRUE(contents(path(tag + QStringLiteral(".log"))) == log) << "the logs differ";
     EXPECT_EQ(contents(path(tag + QStringLiteral(".ovd"))), saved);
