@@ -77,25 +77,4 @@ TEST(Vector, AngleHelpersUseTheShortFactor) {
   EXPECT_NEAR(degToRad(180.0) / std::numbers::pi, 1.0, 3e-10);
 }
 
-TEST(Vector, ArithmeticIsExactAndTheCrossProductRightHanded) {
-  expectVector(vec(1, 2, 3) + vec(4, 5, 6), 5, 7, 9);
-  expectVector(vec(1, 2, 3) - vec(4, 5, 6), -3, -3, -3);
-  expectVector(2.0 * vec(1, 2, 3), 2, 4, 6);
-  expectVector(vec(1, 2, 3) * -1.0, -1, -2, -3);
-  expectVector(vec(-1, 2, -3).abs(), 1, 2, 3);
-  EXPECT_EQ(vec(2, 3, 6).length(), 7);
-  EXPECT_EQ(vec(2, 3, 6).lengthSquared(), 49);
-  EXPECT_EQ(dot(vec(1, 2, 3), vec(4, -5, 6)), 12);
-  expectVector(Vector(2.5), 2.5, 2.5, 2.5);
-  Vector v = vec(1, 2, 3);
-  v += vec(1, 1, 1);
-  v -= vec(0, 0, 4);
-  v *= 2;
-  expectVector(v, 4, 6, 0);
-  expectVector(v.zero(), 0, 0, 0);
-  expectVector(cross(vec(1, 0, 0), vec(0, 1, 0)), 0, 0, 1);
-  expectVector(cross(vec(0, 1, 0), vec(1, 0, 0)), 0, 0, -1);
-  expectVector(cross(vec(0, 0, 1), vec(1, 0, 0)), 0, 1, 0);
-}
-
 }  // namespace
