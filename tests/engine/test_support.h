@@ -48,6 +48,11 @@ inline Body* addBody(World& world, Vector position, Vector velocity = Vector(), 
   return b;
 }
 
+inline void takeSteps(World& world, int n) {
+  for (int i = 0; i < n; ++i)
+    world.step();
+}
+
 inline std::vector<Body*> bodiesOf(const World& world) {
   std::vector<Body*> out;
   forEachItem<Body>(*world.bodies, [&](Body& b) { out.push_back(&b); });

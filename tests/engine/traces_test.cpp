@@ -32,8 +32,7 @@ TEST(Traces, ListKeepsExactlyTheNewestPointsInOrder) {
     world.adaptive = adaptive;
     setUpTwoTracedBodies(world);
     world.traceHistoryPoints = 5;
-    for (int i = 0; i < 4; ++i)
-      world.step();
+    takeSteps(world, 4);
     const auto p = pointsOf(world);
     ASSERT_EQ(p.size(), 5u);
     // Second body's point of step 2, then both bodies' points of steps 3 and 4.
@@ -48,8 +47,7 @@ TEST(Traces, ListKeepsExactlyTheNewestPointsInOrder) {
 TEST(Traces, LoweringTheBoundTrimsAtTheNextStep) {
   World world;
   setUpTwoTracedBodies(world);
-  for (int i = 0; i < 5; ++i)
-    world.step();
+  takeSteps(world, 5);
   EXPECT_EQ(world.tracePoints->count(), 10);
   world.traceHistoryPoints = 3;
   EXPECT_EQ(world.tracePoints->count(), 10);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tests/engine/test_support.h"
 #include "view_test_support.h"
 
 namespace {
@@ -69,8 +70,7 @@ TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToIt) {
   // The first frame asks the world to keep the earth's place with the trace
   // points.
   gl.captureView();
-  for (int i = 0; i < 1000; ++i)
-    world().step();
+  takeSteps(world(), 1000);
 
   gl.view()->traceReference = TraceReference::TrackedBody;
   const QImage relative = gl.captureView();
