@@ -57,16 +57,18 @@ TEST_P(GridLatticeSkip, IsSkippedRatherThanStallingTheFrame) {
   EXPECT_FALSE(gridLattice(c.spacing, c.min, c.max).has_value());
 }
 
-// Spacings below one unit, bodies beyond 32 bits and dense lattices are
-// skipped in the rendering tests too.
-INSTANTIATE_TEST_SUITE_P(Cases, GridLatticeSkip,
-                         ::testing::Values(SkipCase{"ZeroSpacing", 0.0, Vector(), Vector()},
-                                           SkipCase{"NegativeSpacing", -100.0, Vector(), Vector()},
-                                           SkipCase{"NaNSpacing", std::nan(""), Vector(), Vector()},
-                                           SkipCase{"HugeSpacing", 1e300, Vector(), Vector()},
-                                           SkipCase{"NaNPosition", 100.0, Vector(),
-                                                    Vector::of(0, std::nan(""), 0)}),
-                         [](const auto& p) { return std::string(p.param.name); });
+// Spacings below one unit, NaNs, bodies beyond 32 bits.
+INSTANTIATE_TEST_SUITE_P(
+    Cases, GridLatticeSkip,
+    ::testing::Values(SkipCase{"ZeroSpacing", 0.0, Vector(), Vector()},
+                      SkipCase{"NegativeSpacing", -100.0, Vector(), Vector()},
+                      SkipCase{"NaNSpacing", std::nan(""), Vector(), Vector()},
+                      SkipCase{"HugeSpacing", 1e300, Vector(), Vector()},
+                      SkipCase{"HalfUnitSpacing", 0.5, Vector(), Vector()},
+                      SkipCase{"TinySpacing", 1e-9, Vector(), Vector()},
+                      SkipCase{"BodyAt1e12", 100.0, Vector(), Vector::of(1e12, 0, 0)},
+                      SkipCase{"NaNPosition", 100.0, Vector(), Vector::of(0, std::nan(""), 0)}),
+    [](const auto& p) { return std::string(p.param.name); });
 
 TEST(GridLattice, LargestAllowedLatticeIsStillDrawn) {
   // 31 values per axis: 3 * 31 * 31 = 2883 lines; 32 values make 3072.
