@@ -41,8 +41,7 @@ QProcessEnvironment jobEnvironment() {
 // -q keeps mpirun's own notices about failed processes out of the error
 // output; --oversubscribe allows more processes than cores.
 QStringList jobArgs(int processes, const QStringList& args) {
-  return QStringList{QStringLiteral("-q"), QStringLiteral("--oversubscribe"), QStringLiteral("-np"),
-                     QString::number(processes), QStringLiteral(ORRENVALE_BATCH)} +
+  return QStringList{"-q", "--oversubscribe", "-np", QString::number(processes), ORRENVALE_BATCH} +
          args;
 }
 
@@ -103,10 +102,6 @@ const WorldCase kWorlds[] = {
     {"FewerBodiesThanProcesses", 20, [](World& w) { addRandomCluster(w, 3, 1.0, 6); }},
     {"NoBodies", 3, [](World&) {}},
 };
-
-void PrintTo(const WorldCase& c, std::ostream* os) {
-  *os << c.name;
-}
 
 class Job : public ScratchFolder {
  protected:
@@ -210,11 +205,7 @@ TEST_F(Job, KilledProcessEndsTheJobAndLeavesNoSave) {
         return victim != 0;
       },
       60000);
-  if (!running) {
-    mpirun.kill();
-    mpirun.waitForFinished();
-    FAIL() << "the job did not start two processes";
-  }
+  ASSERT_TRUE(running) << "the job did not start two processes";
   ASSERT_EQ(::kill(static_cast<pid_t>(victim), SIGKILL), 0);
   ASSERT_TRUE(mpirun.waitForFinished(60000));
   EXPECT_TRUE(mpirun.exitStatus() != QProcess::NormalExit || mpirun.exitCode() != 0);

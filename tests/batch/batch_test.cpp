@@ -26,15 +26,10 @@ ProgramRun runBatch(const QStringList& args, const std::function<void()>& childS
 }
 
 const QByteArray kOneBody = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-  <key>Time step</key><real>0.5</real>
-  <key>Bodies</key><dict><key>100</key><dict>
-    <key>Body name</key><string>Earth</string>
-    <key>Position X</key><real>1</real>
-    <key>Position Y</key><real>1.5</real>
-    <key>Position Z</key><real>3</real>
-    <key>Velocity Y</key><real>1</real>
-  </dict></dict>
+<plist version="1.0"><dict><key>Time step</key><real>0.5</real>
+  <key>Bodies</key><dict><key>100</key><dict><key>Body name</key><string>Earth</string>
+    <key>Position X</key><real>1</real><key>Position Y</key><real>1.5</real>
+    <key>Position Z</key><real>3</real><key>Velocity Y</key><real>1</real></dict></dict>
   <key>Views</key><dict><key>0</key><dict><key>View name</key><string>Side</string>
     <key>Camera position Z</key><real>12.5</real></dict></dict>
 </dict></plist>
@@ -298,17 +293,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Two point bodies falling almost straight at each other with a time step
 // of 100: the adaptive step refines for hours.
-const QByteArray kLongStep = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-  <key>Time step</key><real>100</real>
-  <key>Adaptive time stepping</key><true/>
-  <key>Gravitational constant</key><real>1</real>
-  <key>Bodies</key><dict>
+const QByteArray kLongStep = R"(<plist version="1.0"><dict>
+  <key>Time step</key><real>100</real><key>Adaptive time stepping</key><true/>
+  <key>Gravitational constant</key><real>1</real><key>Bodies</key><dict>
     <key>100</key><dict><key>Position X</key><real>1</real><key>Velocity Y</key><real>0.05</real>
       <key>Radius</key><real>0</real></dict>
     <key>101</key><dict><key>Position X</key><real>-1</real><key>Velocity Y</key><real>-0.05</real>
-      <key>Radius</key><real>0</real></dict>
-  </dict>
+      <key>Radius</key><real>0</real></dict></dict>
 </dict></plist>
 )";
 
