@@ -59,6 +59,12 @@ inline std::vector<Body*> bodiesOf(const World& world) {
   return out;
 }
 
+inline std::vector<int32_t> idsOf(const World& world) {
+  std::vector<int32_t> ids;
+  forEachItem<Body>(*world.bodies, [&](const Body& b) { ids.push_back(b.id); });
+  return ids;
+}
+
 inline Vector vec(double x, double y, double z) {
   return Vector::of(x, y, z);
 }

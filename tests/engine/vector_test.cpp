@@ -57,18 +57,6 @@ TEST(Vector, GuardedDivisionsDifferBetweenReturningAndInPlace) {
   expectVector(v, 1, 2, 3);
 }
 
-TEST(Vector, CylindricalAndSphericalCoordinates) {
-  // Up to the rounding of cos(pi/2), about 6e-17.
-  const Vector s = Vector::fromSpherical(2, 0, std::numbers::pi / 2);
-  EXPECT_DOUBLE_EQ(s.x, 2);
-  EXPECT_NEAR(s.y, 0, 1e-15);
-  EXPECT_NEAR(s.z, 0, 1e-15);
-  const Vector c = Vector::fromCylindrical(2, 5, std::numbers::pi / 2);
-  EXPECT_NEAR(c.x, 0, 1e-15);
-  EXPECT_DOUBLE_EQ(c.y, 2);
-  EXPECT_EQ(c.z, 5);
-}
-
 TEST(Vector, AngleHelpersUseTheShortFactor) {
   EXPECT_EQ(degToRad(57.2957795), 1.0);
   EXPECT_EQ(radToDeg(1.0), 57.2957795);
