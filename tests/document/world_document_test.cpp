@@ -125,14 +125,10 @@ TEST_P(WorldDocumentSections, SavingWritesExactlyTheSelectedKeys) {
   EXPECT_EQ(keysOf(saveWorldToDict(world, GetParam().sections, &views)), GetParam().keys);
 }
 
-const QStringList kSimKeys = {QStringLiteral("Time step"),
-                              QStringLiteral("Adaptive time stepping"),
-                              QStringLiteral("Gravitational constant"),
-                              QStringLiteral("Collision model"),
-                              QStringLiteral("Coefficient of restitution"),
-                              QStringLiteral("Milliseconds per update"),
-                              QStringLiteral("World name"),
-                              QStringLiteral("Trace history points")};
+const QStringList kSimKeys = {
+    "Time step",       "Adaptive time stepping",     "Gravitational constant",
+    "Collision model", "Coefficient of restitution", "Milliseconds per update",
+    "World name",      "Trace history points"};
 
 INSTANTIATE_TEST_SUITE_P(
     WorldDocument, WorldDocumentSections,
@@ -177,10 +173,9 @@ TEST(WorldDocument, HandWrittenFileWithShuffledAndUnknownKeysLoads) {
   EXPECT_EQ(namesOf(world), (std::vector<std::string>{"Moon", "Planet"}));
   EXPECT_EQ(renamed,
             (std::vector<std::pair<int32_t, std::string>>{{101, "Moon"}, {100, "Planet"}}));
-  EXPECT_EQ(bodies[0]->position.x, 10.0);
-  EXPECT_EQ(bodies[0]->velocity.y, -0.5);
-  EXPECT_EQ(bodies[0]->mass, 2.0);
-  EXPECT_EQ(bodies[1]->radius, 3.0);
+  EXPECT_EQ(std::tuple(bodies[0]->position.x, bodies[0]->velocity.y, bodies[0]->mass,
+                       bodies[1]->mass, bodies[1]->radius),
+            std::tuple(10.0, -0.5, 2.0, 1000.0, 3.0));
   EXPECT_EQ(world.nextBodyId, 102);
 }
 
@@ -203,11 +198,7 @@ TEST_P(WorldDocumentStoredIds, EveryBodyGetsItsOwnIdentifierAndSurvivesASave) {
   }
   World world;
   loadInto(world, "<key>Bodies</key><dict>" + entries + "</dict>");
-  std::vector<int32_t> ids;
-  for (const Body* body : bodiesOf(world)) {
-    ids.push_back(body->id);
-  }
-  EXPECT_EQ(ids, GetParam().ids);
+  EXPECT_EQ(idsOf(world), GetParam().ids);
   EXPECT_EQ(world.nextBodyId, GetParam().nextBodyId);
 
   const PlistDict saved = saveWorldToDict(world, kAll);

@@ -29,17 +29,6 @@ class RelativeTraces : public ViewFixture {
     moon->traceEnable = true;
   }
 
-  // Looks down on the orbit from 28 units above the sun: 400 pixels span
-  // 2 * 28 * tan(22.5 degrees) = 23.2 units, 17.2 pixels a unit.
-  OrrenvaleGL& openTopView() {
-    OrrenvaleGL& gl = openView(400, 400);
-    View& v = *gl.view();
-    v.cameraPosition = Vector::of(0, 0, 28);
-    v.gridlineEnabled = false;
-    v.trackBodyID = earth->id;
-    return gl;
-  }
-
   // Trace points are drawn unlit in the moon's full colour; the lit sphere
   // and its smoothed edges are darker.
   static bool moonTrace(QRgb p) { return qBlue(p) == 255 && qRed(p) == 0 && qGreen(p) == 0; }
@@ -66,7 +55,12 @@ class RelativeTraces : public ViewFixture {
 };
 
 TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToIt) {
-  OrrenvaleGL& gl = openTopView();
+  // Looks down on the orbit from 28 units above the sun: 400 pixels span
+  // 2 * 28 * tan(22.5 degrees) = 23.2 units, 17.2 pixels a unit.
+  OrrenvaleGL& gl = openView(400, 400);
+  gl.view()->cameraPosition = Vector::of(0, 0, 28);
+  gl.view()->gridlineEnabled = false;
+  gl.view()->trackBodyID = earth->id;
   // The first frame asks the world to keep the earth's place with the trace
   // points.
   gl.captureView();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "tests/engine/test_support.h"
@@ -78,9 +79,7 @@ TEST_F(TraceShiftsTest, PointsFromBeforeTheWatchOrOfAGoneReferenceStayWhereTheyW
   world.step();
   const std::vector<Vector> points = drawn();
   ASSERT_EQ(points.size(), 3u);
-  EXPECT_EQ(points[0].x, 0.0);
-  EXPECT_EQ(points[1].x, 1.0);
-  EXPECT_EQ(points[2].x, 3.0);
+  EXPECT_EQ(std::tuple(points[0].x, points[1].x, points[2].x), std::tuple(0.0, 1.0, 3.0));
 
   world.deleteBodyById(ship->id);
   EXPECT_FALSE(TraceShifts(view, world).active());
