@@ -6,9 +6,9 @@
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 
+#include "batch_test_support.h"
 #include "document/plist_writer.h"
 #include "document/world_document.h"
 #include "tests/engine/test_support.h"
@@ -18,12 +18,6 @@
 // summary and the saved datafile.
 
 namespace {
-
-struct Outcome {
-  int exitCode = -1;
-  QByteArray out;
-  QByteArray err;
-};
 
 // Open MPI refuses to run as root (as CI does) unless told that it may. Its
 // shared-memory transport copies between processes through ptrace where it
@@ -48,38 +42,21 @@ QProcessEnvironment jobEnvironment() {
 // -q keeps mpirun's own notices about failed processes out of the error
 // output; --oversubscribe allows more processes than cores.
 QStringList jobArgs(int processes, const QStringList& args) {
-  return QStringList{QStringLiteral("-q"), QStringLiteral("--oversubscribe"), QStringLiteral("-np"),
-                     QString::number(processes), QStringLiteral(ORRENVALE_BATCH)} +
+  return QStringList{"-q", "--oversubscribe", "-np", QString::number(processes), ORRENVALE_BATCH} +
          args;
 }
 
-Outcome runProgram(const QString& program, const QStringList& args) {
-  QProcess process;
-  process.setProcessEnvironment(jobEnvironment());
-  process.start(program, args);
-  // Generous: the longest run takes a few seconds with four processes on two
-  // cores. Processes that disagree would wait for each other for ever.
-  process.waitForFinished(120000);
-  return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-          process.readAllStandardOutput(), process.readAllStandardError()};
+ProgramRun runAlone(const QStringList& args) {
+  return runProgram(QStringLiteral(ORRENVALE_BATCH), args, jobEnvironment());
 }
 
-Outcome runAlone(const QStringList& args) {
-  return runProgram(QStringLiteral(ORRENVALE_BATCH), args);
-}
-
-Outcome runJob(int processes, const QStringList& args) {
-  return runProgram(QStringLiteral(MPIEXEC), jobArgs(processes, args));
+ProgramRun runJob(int processes, const QStringList& args) {
+  return runProgram(QStringLiteral(MPIEXEC), jobArgs(processes, args), jobEnvironment());
 }
 
 // Clusters of bodies in which some pairs touch at once and more come into
-// contact within a few steps, so that both collision passes of a step find
-// pairs.
-void addBodies(World& world, int n, double halfSide, uint64_t seed) {
-  addRandomCluster(world, n, halfSide, seed);
-  world.timeStep = 0.05;
-}
-
+// contact within a few steps of 0.05, so that both collision passes of a
+// step find pairs.
 struct WorldCase {
   const char* name;
   int steps;
@@ -87,10 +64,10 @@ struct WorldCase {
 };
 
 const WorldCase kWorlds[] = {
-    {"Merging", 40, [](World& w) { addBodies(w, 60, 10.0, 1); }},
+    {"Merging", 40, [](World& w) { addRandomCluster(w, 60, 10.0, 1); }},
     {"Rebounding", 40,
      [](World& w) {
-       addBodies(w, 60, 10.0, 2);
+       addRandomCluster(w, 60, 10.0, 2);
        w.merge = false;
        w.restitution = 0.5;
      }},
@@ -98,7 +75,7 @@ const WorldCase kWorlds[] = {
     // step of 1e-7 keeps that to four levels.
     {"AdaptiveMerging", 4,
      [](World& w) {
-       addBodies(w, 70, 10.0, 3);
+       addRandomCluster(w, 70, 10.0, 3);
        w.adaptive = true;
        w.timeStep = 1e-7;
      }},
@@ -107,7 +84,7 @@ const WorldCase kWorlds[] = {
     // that touch get velocities that are not numbers (bodies 0 and 5).
     {"Guarded", 10,
      [](World& w) {
-       addBodies(w, 40, 10.0, 4);
+       addRandomCluster(w, 40, 10.0, 4);
        w.merge = false;
        int k = 0;
        forEachItem<Body>(*w.bodies, [&](Body& b) {
@@ -122,49 +99,31 @@ const WorldCase kWorlds[] = {
          ++k;
        });
      }},
-    {"ThousandBodies", 6, [](World& w) { addBodies(w, 1000, 40.0, 5); }},
-    {"FewerBodiesThanProcesses", 20, [](World& w) { addBodies(w, 3, 1.0, 6); }},
+    {"ThousandBodies", 6, [](World& w) { addRandomCluster(w, 1000, 40.0, 5); }},
+    {"FewerBodiesThanProcesses", 20, [](World& w) { addRandomCluster(w, 3, 1.0, 6); }},
     {"NoBodies", 3, [](World&) {}},
 };
 
-void PrintTo(const WorldCase& c, std::ostream* os) {
-  *os << c.name;
-}
-
-class Job : public ::testing::Test {
+class Job : public ScratchFolder {
  protected:
   QString writeWorld(const WorldCase& c) {
     World world;
+    world.timeStep = 0.05;
     c.make(world);
-    const QString path = dir_.filePath(QStringLiteral("%1.ovd").arg(QLatin1String(c.name)));
-    EXPECT_TRUE(writePlistFile(path, PlistValue(saveWorldToDict(world, DocumentSections{}))));
-    return path;
+    const QString file = path(QLatin1String(c.name) + QStringLiteral(".ovd"));
+    EXPECT_TRUE(writePlistFile(file, PlistValue(saveWorldToDict(world, DocumentSections{}))));
+    return file;
   }
-  QString path(const QString& name) const { return dir_.filePath(name); }
-
-  QTemporaryDir dir_;
 };
 
 class JobWorlds : public Job, public ::testing::WithParamInterface<WorldCase> {};
 
-QByteArray contents(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-}
-
 // The runner reports a step that takes longer than about half a second on
 // standard error; how long a step takes depends on the machine, not on the
 // job, so those lines are left out of the comparison.
-QByteArray withoutStepProgress(const QByteArray& err) {
-  QByteArray rest;
-  for (const QByteArray& line : err.split('\n')) {
-    if (!line.isEmpty() && !QRegularExpression(QStringLiteral("^orrenvale-batch: step \\d+: "))
-                                .match(QString::fromUtf8(line))
-                                .hasMatch()) {
-      rest += line + '\n';
-    }
-  }
-  return rest;
+QString withoutStepProgress(QString err) {
+  return err.remove(QRegularExpression(QStringLiteral("^orrenvale-batch: step \\d+: .*\n"),
+                                       QRegularExpression::MultilineOption));
 }
 
 TEST_P(JobWorlds, OneToFourProcessesWriteTheBytesOfTheRunnerAlone) {
@@ -176,16 +135,16 @@ TEST_P(JobWorlds, OneToFourProcessesWriteTheBytesOfTheRunnerAlone) {
         .arg(path(tag), world)
         .split(u'|');
   };
-  const Outcome alone = runAlone(args(QStringLiteral("alone")));
+  const ProgramRun alone = runAlone(args(QStringLiteral("alone")));
   ASSERT_EQ(alone.exitCode, 0) << alone.err.toStdString();
   const QByteArray log = contents(path(QStringLiteral("alone.log")));
   const QByteArray saved = contents(path(QStringLiteral("alone.ovd")));
   for (int processes = 1; processes <= 4; ++processes) {
     SCOPED_TRACE(std::to_string(processes) + " processes");
     const QString tag = QStringLiteral("job%1").arg(processes);
-    const Outcome job = runJob(processes, args(tag));
+    const ProgramRun job = runJob(processes, args(tag));
     ASSERT_EQ(job.exitCode, 0) << job.err.toStdString();
-    EXPECT_EQ(withoutStepProgress(job.err), QByteArray());
+    EXPECT_EQ(withoutStepProgress(job.err), QString());
     EXPECT_EQ(job.out, alone.out);
     EXPECT_TRUE(contents(path(tag + QStringLiteral(".log"))) == log) << "the logs differ";
     EXPECT_EQ(contents(path(tag + QStringLiteral(".ovd"))), saved);
@@ -200,16 +159,13 @@ INSTANTIATE_TEST_SUITE_P(Worlds, JobWorlds, ::testing::ValuesIn(kWorlds),
 // prints the reason once: a world that is missing or not a datafile, a log
 // that fills the disk after a few steps.
 TEST_F(Job, FailureEndsEveryProcessWithOneMessage) {
-  QFile garbage(path(QStringLiteral("garbage.ovd")));
-  ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
-  garbage.write("Time step = 0.1\n");
-  garbage.close();
+  const QString garbage = write(QStringLiteral("garbage.ovd"), "Time step = 0.1\n");
   const QString world = writeWorld(kWorlds[0]);
   for (const QStringList& args :
-       {QStringList{path(QStringLiteral("absent.ovd"))}, QStringList{garbage.fileName()},
+       {QStringList{path(QStringLiteral("absent.ovd"))}, QStringList{garbage},
         QStringList{QStringLiteral("-n1000"), QStringLiteral("--log=/dev/full"), world}}) {
-    const Outcome alone = runAlone(args);
-    const Outcome job = runJob(3, args);
+    const ProgramRun alone = runAlone(args);
+    const ProgramRun job = runJob(3, args);
     EXPECT_EQ(job.exitCode, 1);
     EXPECT_EQ(job.err, alone.err);
     EXPECT_EQ(job.err.count('\n'), 1) << job.err.toStdString();
@@ -258,11 +214,7 @@ TEST_F(Job, KilledProcessEndsTheJobAndLeavesNoSave) {
         return victim != 0;
       },
       60000);
-  if (!running) {
-    mpirun.kill();
-    mpirun.waitForFinished();
-    FAIL() << "the job did not start two processes";
-  }
+  ASSERT_TRUE(running) << "the job did not start two processes";
   ASSERT_EQ(::kill(static_cast<pid_t>(victim), SIGKILL), 0);
   ASSERT_TRUE(mpirun.waitForFinished(60000));
   EXPECT_TRUE(mpirun.exitStatus() != QProcess::NormalExit || mpirun.exitCode() != 0);

@@ -18,9 +18,8 @@ TEST(Body, CopyIsAnnouncedAndKeepsIdentityAndStateButNotScratch) {
   World world;
   Body* b = addBody(world, vec(1, 2, 3), vec(4, 5, 6), 7, 8);
   ASSERT_EQ(observer.events.size(), 1u);
-  EXPECT_TRUE(observer.events[0].created);
-  EXPECT_EQ(observer.events[0].name, "Body 0");
-  EXPECT_EQ(observer.events[0].id, 0);
+  const RecordingObserver::Event& e = observer.events[0];
+  EXPECT_EQ(std::tuple(e.created, e.name, e.id), std::tuple(true, std::string("Body 0"), 0));
   b->acceleration = vec(9, 9, 9);
   b->force = vec(1, 1, 1);
   b->stageVelocity[2] = vec(3, 3, 3);
@@ -65,9 +64,6 @@ TEST(Body, AnotherThreadsBodiesReachNoObserver) {
     world.step();
   }).join();
   EXPECT_TRUE(observer.events.empty());
-  World here;
-  here.createBody();
-  EXPECT_EQ(observer.count(true), 1);
 }
 
 struct NameCase {

@@ -54,24 +54,18 @@ std::vector<Config> fastConfigs() {
 }
 
 // Restores the process-wide choices when a test ends.
-class SpeedChoice {
- public:
-  SpeedChoice() : path_(kernelPath()), threads_(passThreads()) {}
+struct SpeedChoice {
+  KernelPath path = kernelPath();
+  int threads = passThreads();
   ~SpeedChoice() {
-    setKernelPath(path_);
-    setPassThreads(threads_);
+    setKernelPath(path);
+    setPassThreads(threads);
   }
-  SpeedChoice(const SpeedChoice&) = delete;
-  SpeedChoice& operator=(const SpeedChoice&) = delete;
 
   static void use(const Config& c) {
     ASSERT_TRUE(setKernelPath(c.path));
     setPassThreads(c.threads);
   }
-
- private:
-  KernelPath path_;
-  int threads_;
 };
 
 // A world of n bodies in a cube of the given scale. Starting forces are
@@ -268,9 +262,7 @@ TEST_P(FullSteps, StepsGiveTheReferenceEngineBits) {
         world.emplace();
         fillCluster(*world, GetParam().merge, GetParam().adaptive);
         const int bodiesBefore = world->bodies->count();
-        for (int s = 0; s < 6; ++s) {
-          world->step();
-        }
+        takeSteps(*world, 6);
         if (reference && GetParam().merge) {
           EXPECT_LT(world->bodies->count(), bodiesBefore) << "the cluster should merge bodies";
         }

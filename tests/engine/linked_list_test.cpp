@@ -87,10 +87,7 @@ TEST(LinkedList, ClearDeletesEveryItemInOrderAndAppendStartsAfresh) {
   EXPECT_EQ(list.head(), nullptr);
   auto* node = new ListNode(new Tracked(4, deleted));
   list.append(node);
-  EXPECT_EQ(list.head(), node);
-  EXPECT_EQ(list.tail(), node);
-  EXPECT_EQ(node->prev, nullptr);
-  EXPECT_EQ(node->next, nullptr);
+  EXPECT_TRUE(list.head() == node && list.tail() == node && !node->prev && !node->next);
   EXPECT_EQ(list.count(), 1);
 }
 

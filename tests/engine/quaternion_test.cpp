@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <numbers>
 #include <tuple>
 
 #include "engine/quaternion.h"
@@ -41,15 +39,6 @@ TEST(Quaternion, ScalarDivisionIsGuarded) {
   expectQuaternion(q, 0, 0, 0, 0);
 }
 
-TEST(Quaternion, RotatesAVectorAboutZ) {
-  const double half = std::numbers::pi / 4;  // 90 degrees about +z
-  const Vector r = Quaternion(std::cos(half), 0, 0, std::sin(half)).rotate(Vector::of(1, 0, 0));
-  // Rounding of cos/sin of pi/4, a few ulps.
-  EXPECT_NEAR(r.x, 0, 1e-15);
-  EXPECT_NEAR(r.y, 1, 1e-15);
-  EXPECT_NEAR(r.z, 0, 1e-15);
-}
-
 class QuaternionAngles : public ::testing::TestWithParam<std::tuple<double, double, double>> {};
 
 TEST_P(QuaternionAngles, RollPitchYawRoundTripsInsideThePrincipalRanges) {
@@ -84,18 +73,6 @@ TEST(Quaternion, ZeroAnglesIdentityAndZeroQuaternionAreExactlyTheIdentity) {
       EXPECT_EQ(m[i], (i % 5 == 0) ? 1.0 : 0.0) << i;
     }
   }
-}
-
-TEST(Quaternion, GLMatrixIsTheTransposedRotation) {
-  const double theta = 0.7;
-  const auto m = Quaternion(std::cos(theta / 2), 0, 0, std::sin(theta / 2)).toGLMatrix();
-  // Products of rounded half-angle sines and cosines: a few ulps.
-  EXPECT_NEAR(m[0], std::cos(theta), 1e-15);
-  EXPECT_NEAR(m[1], -std::sin(theta), 1e-15);
-  EXPECT_NEAR(m[4], std::sin(theta), 1e-15);
-  EXPECT_NEAR(m[5], std::cos(theta), 1e-15);
-  EXPECT_EQ(m[10], 1.0);
-  EXPECT_EQ(m[15], 1.0);
 }
 
 }  // namespace

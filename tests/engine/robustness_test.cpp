@@ -22,9 +22,7 @@ void stepEveryWay(void (*setUp)(World&), int steps = 3) {
       world.adaptive = adaptive;
       world.merge = merge;
       setUp(world);
-      std::vector<int> ids;
-      for (const Body* b : bodiesOf(world))
-        ids.push_back(b->id);
+      const std::vector<int32_t> ids = idsOf(world);
       double elapsed = 0.0;
       for (int i = 0; i < steps; ++i) {
         ASSERT_TRUE(world.step());

@@ -48,10 +48,21 @@ inline Body* addBody(World& world, Vector position, Vector velocity = Vector(), 
   return b;
 }
 
+inline void takeSteps(World& world, int n) {
+  for (int i = 0; i < n; ++i)
+    world.step();
+}
+
 inline std::vector<Body*> bodiesOf(const World& world) {
   std::vector<Body*> out;
   forEachItem<Body>(*world.bodies, [&](Body& b) { out.push_back(&b); });
   return out;
+}
+
+inline std::vector<int32_t> idsOf(const World& world) {
+  std::vector<int32_t> ids;
+  forEachItem<Body>(*world.bodies, [&](const Body& b) { ids.push_back(b.id); });
+  return ids;
 }
 
 inline Vector vec(double x, double y, double z) {

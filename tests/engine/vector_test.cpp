@@ -57,45 +57,12 @@ TEST(Vector, GuardedDivisionsDifferBetweenReturningAndInPlace) {
   expectVector(v, 1, 2, 3);
 }
 
-TEST(Vector, CylindricalAndSphericalCoordinates) {
-  // Up to the rounding of cos(pi/2), about 6e-17.
-  const Vector s = Vector::fromSpherical(2, 0, std::numbers::pi / 2);
-  EXPECT_DOUBLE_EQ(s.x, 2);
-  EXPECT_NEAR(s.y, 0, 1e-15);
-  EXPECT_NEAR(s.z, 0, 1e-15);
-  const Vector c = Vector::fromCylindrical(2, 5, std::numbers::pi / 2);
-  EXPECT_NEAR(c.x, 0, 1e-15);
-  EXPECT_DOUBLE_EQ(c.y, 2);
-  EXPECT_EQ(c.z, 5);
-}
-
 TEST(Vector, AngleHelpersUseTheShortFactor) {
   EXPECT_EQ(degToRad(57.2957795), 1.0);
   EXPECT_EQ(radToDeg(1.0), 57.2957795);
   // The short factor differs from 180/pi by about 2.3e-10 relative.
   EXPECT_NE(degToRad(180.0), std::numbers::pi);
   EXPECT_NEAR(degToRad(180.0) / std::numbers::pi, 1.0, 3e-10);
-}
-
-TEST(Vector, ArithmeticIsExactAndTheCrossProductRightHanded) {
-  expectVector(vec(1, 2, 3) + vec(4, 5, 6), 5, 7, 9);
-  expectVector(vec(1, 2, 3) - vec(4, 5, 6), -3, -3, -3);
-  expectVector(2.0 * vec(1, 2, 3), 2, 4, 6);
-  expectVector(vec(1, 2, 3) * -1.0, -1, -2, -3);
-  expectVector(vec(-1, 2, -3).abs(), 1, 2, 3);
-  EXPECT_EQ(vec(2, 3, 6).length(), 7);
-  EXPECT_EQ(vec(2, 3, 6).lengthSquared(), 49);
-  EXPECT_EQ(dot(vec(1, 2, 3), vec(4, -5, 6)), 12);
-  expectVector(Vector(2.5), 2.5, 2.5, 2.5);
-  Vector v = vec(1, 2, 3);
-  v += vec(1, 1, 1);
-  v -= vec(0, 0, 4);
-  v *= 2;
-  expectVector(v, 4, 6, 0);
-  expectVector(v.zero(), 0, 0, 0);
-  expectVector(cross(vec(1, 0, 0), vec(0, 1, 0)), 0, 0, 1);
-  expectVector(cross(vec(0, 1, 0), vec(1, 0, 0)), 0, 0, -1);
-  expectVector(cross(vec(0, 0, 1), vec(1, 0, 0)), 0, 1, 0);
 }
 
 }  // namespace

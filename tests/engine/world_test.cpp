@@ -35,10 +35,7 @@ TEST(World, InsertBodyPutsABodyBackAtItsPlace) {
   world.deleteBodyById(101);
   Body* back = world.insertBody(101, 1);
   EXPECT_STREQ(back->name, "Body 1");
-  std::vector<int> ids;
-  for (Body* b : bodiesOf(world))
-    ids.push_back(b->id);
-  EXPECT_EQ(ids, (std::vector<int>{100, 101, 102}));
+  EXPECT_EQ(idsOf(world), (std::vector<int32_t>{100, 101, 102}));
   EXPECT_EQ(world.nextBodyId, 103);
   EXPECT_EQ(world.insertBody(200, 0)->id, 200);
   const Body* last = world.insertBody(300, 99);
@@ -105,8 +102,6 @@ TEST(World, CornersSpanTheBodyPositions) {
   World world;
   EXPECT_TRUE(world.minCorner().isZero() && world.maxCorner().isZero());
   addBody(world, vec(1, -2, 3));
-  EXPECT_EQ(world.minCorner().y, -2);
-  EXPECT_EQ(world.maxCorner().z, 3);
   addBody(world, vec(-5, 4, 3));
   addBody(world, vec(2, 0, -7));
   const Vector lo = world.minCorner(), hi = world.maxCorner();

@@ -23,10 +23,13 @@ def batch():
     return str(path)
 
 
+# The environment in which `python3 -m orrenvale` finds the module.
+ENV = dict(os.environ, PYTHONPATH=str(BUILD / "python"))
+
+
 def run(argv, **kwargs):
     """Runs a command and returns (exit status, stdout bytes, stderr bytes)."""
-    env = dict(os.environ, PYTHONPATH=str(BUILD / "python"))
-    done = subprocess.run(argv, capture_output=True, env=env, **kwargs)
+    done = subprocess.run(argv, capture_output=True, env=ENV, **kwargs)
     return done.returncode, done.stdout, done.stderr
 
 

@@ -1,11 +1,10 @@
 # python3 -m orrenvale is orrenvale-batch: same output, messages and status.
-import os
 import subprocess
 import sys
 
 import pytest
 
-from conftest import BUILD, ROOT, run, run_module
+from conftest import ENV, ROOT, run, run_module
 
 FIGURE_EIGHT = str(ROOT / "examples" / "figure-eight.ovd")
 REBOUND = str(ROOT / "examples" / "rebound.ovd")
@@ -51,8 +50,7 @@ def test_closed_pipe_ends_the_run_as_the_runner_does(batch):
     args = ["-n", "100000", "--log", "-", FIGURE_EIGHT]
     endings = []
     for argv in ([batch, *args], [sys.executable, "-m", "orrenvale", *args]):
-        env = dict(os.environ, PYTHONPATH=str(BUILD / "python"))
-        with subprocess.Popen(argv, stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=env) as p:
+        with subprocess.Popen(argv, stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=ENV) as p:
             p.stdout.read(10)
             p.stdout.close()
             endings.append((p.wait(), p.stderr.read()))

@@ -42,13 +42,18 @@ def test_world_changed_from_the_callback_keeps_stepping(edit):
     assert r.states.shape[0] == 9 and np.isfinite(r.times).all()
 
 
-def test_ctrl_c_stops_between_steps_with_a_consistent_world():
-    w = random_world(300)
-    timer = threading.Timer(0.3, os.kill, (os.getpid(), signal.SIGINT))
+def interrupt(call, after):
+    """Runs call() and sends the process SIGINT after some seconds."""
+    timer = threading.Timer(after, os.kill, (os.getpid(), signal.SIGINT))
     timer.start()
     with pytest.raises(KeyboardInterrupt):
-        w.step(10**9)
+        call()
     timer.join()
+
+
+def test_ctrl_c_stops_between_steps_with_a_consistent_world():
+    w = random_world(300)
+    interrupt(lambda: w.step(10**9), 0.3)
     # The world is exactly what that many whole steps give.
     steps = round(w.elapsed_time / w.time_step)
     again = random_world(300)
@@ -66,11 +71,7 @@ def test_ctrl_c_cancels_a_long_step_and_leaves_the_world_as_it_was():
     w.add_body(position=(-1, 0, 0), velocity=(0, -0.05, 0), radius=0.0)
     w.compute_accelerations()
     before = w.state()
-    timer = threading.Timer(0.5, os.kill, (os.getpid(), signal.SIGINT))
-    timer.start()
-    with pytest.raises(KeyboardInterrupt):
-        w.step()
-    timer.join()
+    interrupt(w.step, 0.5)
     after = w.state()
     assert w.elapsed_time == 0.0
     for name in before:

@@ -39,16 +39,13 @@ TEST_F(DirectManipulation, PixelGeometryIsTheFramesOwn) {
     v.trackball->rotation.setRollPitchYaw(0.3, -0.5, 0.2);
     gl.captureView();
     gl.makeCurrent();
-    GLdouble model[16];
-    GLdouble projection[16];
+    GLdouble model[16], projection[16];
     GLint viewport[4];
     glGetDoublev(GL_MODELVIEW_MATRIX, model);
     glGetDoublev(GL_PROJECTION_MATRIX, projection);
     glGetIntegerv(GL_VIEWPORT, viewport);
     const Vector p = Vector::of(-30, 40, 25);
-    GLdouble wx = 0;
-    GLdouble wy = 0;
-    GLdouble wz = 0;
+    GLdouble wx = 0, wy = 0, wz = 0;
     ASSERT_TRUE(gluProject(p.x, p.y, p.z, model, projection, viewport, &wx, &wy, &wz));
     gl.doneCurrent();
     const std::optional<PixelPoint> at = projectToView(v, p);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tests/engine/test_support.h"
 #include "view_test_support.h"
 
 namespace {
@@ -26,17 +27,6 @@ class RelativeTraces : public ViewFixture {
     moon->mass = 1e-6;
     moon->velocity = earth->velocity + Vector::of(0, std::sqrt(0.01 / 0.5), 0);
     moon->traceEnable = true;
-  }
-
-  // Looks down on the orbit from 28 units above the sun: 400 pixels span
-  // 2 * 28 * tan(22.5 degrees) = 23.2 units, 17.2 pixels a unit.
-  OrrenvaleGL& openTopView() {
-    OrrenvaleGL& gl = openView(400, 400);
-    View& v = *gl.view();
-    v.cameraPosition = Vector::of(0, 0, 28);
-    v.gridlineEnabled = false;
-    v.trackBodyID = earth->id;
-    return gl;
   }
 
   // Trace points are drawn unlit in the moon's full colour; the lit sphere
@@ -65,12 +55,16 @@ class RelativeTraces : public ViewFixture {
 };
 
 TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToIt) {
-  OrrenvaleGL& gl = openTopView();
+  // Looks down on the orbit from 28 units above the sun: 400 pixels span
+  // 2 * 28 * tan(22.5 degrees) = 23.2 units, 17.2 pixels a unit.
+  OrrenvaleGL& gl = openView(400, 400);
+  gl.view()->cameraPosition = Vector::of(0, 0, 28);
+  gl.view()->gridlineEnabled = false;
+  gl.view()->trackBodyID = earth->id;
   // The first frame asks the world to keep the earth's place with the trace
   // points.
   gl.captureView();
-  for (int i = 0; i < 1000; ++i)
-    world().step();
+  takeSteps(world(), 1000);
 
   gl.view()->traceReference = TraceReference::TrackedBody;
   const QImage relative = gl.captureView();

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
-#include "engine/position_point.h"
-#include "engine/world.h"
+#include "tests/engine/test_support.h"
 #include "view/view.h"
 
 namespace {
@@ -20,19 +20,11 @@ class TraceShiftsTest : public ::testing::Test {
   void SetUp() override {
     world.gravitationalConstant = 0.0;
     world.timeStep = 1.0;
-    ship = add(Vector::of(0, 0, 0), Vector::of(1, 0, 0));
-    escort = add(Vector::of(0, 2, 0), Vector::of(1, 0, 0));
+    ship = addBody(world, vec(0, 0, 0), vec(1, 0, 0), 1.0, 0.1);
+    escort = addBody(world, vec(0, 2, 0), vec(1, 0, 0), 1.0, 0.1);
     escort->traceEnable = true;
-    add(Vector::of(0, -10, 0), Vector())->mass = 2.0;
+    addBody(world, vec(0, -10, 0), Vector(), 2.0, 0.1);
     view.trackBodyID = ship->id;
-  }
-
-  Body* add(const Vector& position, const Vector& velocity) {
-    Body* b = world.createBody();
-    b->position = position;
-    b->velocity = velocity;
-    b->radius = 0.1;
-    return b;
   }
 
   // Where the view draws each trace point, oldest first.
@@ -53,8 +45,7 @@ class TraceShiftsTest : public ::testing::Test {
 
 TEST_F(TraceShiftsTest, RelativeToTheTrackedBodyPointsKeepTheirOffsetFromItsPlaceNow) {
   world.traceFrames.watch(ship->id);
-  for (int i = 0; i < 5; ++i)
-    world.step();
+  takeSteps(world, 5);
   view.traceReference = TraceReference::TrackedBody;
   for (const Vector& p : drawn()) {
     EXPECT_EQ(p.x, 5.0);
@@ -71,8 +62,7 @@ TEST_F(TraceShiftsTest, RelativeToTheTrackedBodyPointsKeepTheirOffsetFromItsPlac
 // the mass.
 TEST_F(TraceShiftsTest, RelativeToTheCentreOfMassPointsFollowItsMotion) {
   view.traceReference = TraceReference::CenterOfMass;
-  for (int i = 0; i < 5; ++i)
-    world.step();
+  takeSteps(world, 5);
   const std::vector<Vector> points = drawn();
   ASSERT_EQ(points.size(), 5u);
   // Point i was recorded at x = i with the centre at x = i / 2; the centre
@@ -89,9 +79,7 @@ TEST_F(TraceShiftsTest, PointsFromBeforeTheWatchOrOfAGoneReferenceStayWhereTheyW
   world.step();
   const std::vector<Vector> points = drawn();
   ASSERT_EQ(points.size(), 3u);
-  EXPECT_EQ(points[0].x, 0.0);
-  EXPECT_EQ(points[1].x, 1.0);
-  EXPECT_EQ(points[2].x, 3.0);
+  EXPECT_EQ(std::tuple(points[0].x, points[1].x, points[2].x), std::tuple(0.0, 1.0, 3.0));
 
   world.deleteBodyById(ship->id);
   EXPECT_FALSE(TraceShifts(view, world).active());

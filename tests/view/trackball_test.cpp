@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 namespace {
 
@@ -29,9 +30,7 @@ TEST(Trackball, CentreProjectsToThePoleAndCornerIsPulledInsideTheOutline) {
   tb.beginDrag(100, 100);
   Vector centre = Vector::of(tb.lastX, tb.lastY, 0.0);
   tb.projectToSphere(centre);
-  EXPECT_EQ(centre.x, 0.0);
-  EXPECT_EQ(centre.y, 0.0);
-  EXPECT_EQ(centre.z, 1.0);
+  EXPECT_EQ(std::tuple(centre.x, centre.y, centre.z), std::tuple(0.0, 0.0, 1.0));
 }
 
 // A drag from the centre to a point 30 degrees away on the sphere (x = 0.5)

@@ -11,8 +11,7 @@ OrrenvaleGL& ViewFixture::openView(int w, int h) {
   view.resize(w, h);
   view.show();
   EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
-  EXPECT_EQ(view.width(), w);
-  EXPECT_EQ(view.height(), h);
+  EXPECT_EQ(view.size(), QSize(w, h));
   return view;
 }
 
