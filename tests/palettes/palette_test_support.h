@@ -2,17 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
-#include <QWindow>
 #include <algorithm>
 #include <functional>
 #include <optional>
@@ -33,12 +32,12 @@ class PaletteController;
 // the test supplies, flags the test sets, and a count of every command the
 // palettes send. The palette toggles follow the controller's protocol: hide
 // stops the timer and closes the window unless the palette itself is closing.
-class TestHost : public PaletteHost {
+class PaletteTestHost : public PaletteHost {
  public:
-  TestHost() { setViewHost(this); }
-  ~TestHost() override { setViewHost(nullptr); }
-  TestHost(const TestHost&) = delete;
-  TestHost& operator=(const TestHost&) = delete;
+  PaletteTestHost() { setViewHost(this); }
+  ~PaletteTestHost() override { setViewHost(nullptr); }
+  PaletteTestHost(const PaletteTestHost&) = delete;
+  PaletteTestHost& operator=(const PaletteTestHost&) = delete;
 
   World& world() override { return w; }
   int panType() const override { return kPanTypeXY; }
@@ -76,11 +75,9 @@ class TestHost : public PaletteHost {
 
   void populateMenuBar(QMenuBar* bar) override { bar->addMenu(QStringLiteral("Simulation")); }
 
-  int count(const std::string& command) const {
-    int n = 0;
-    for (const Command& c : commands)
-      n += c.name == command ? 1 : 0;
-    return n;
+  auto count(const std::string& command) const {
+    return std::count_if(commands.begin(), commands.end(),
+                         [&](const Command& c) { return c.name == command; });
   }
 
   struct Command {
@@ -146,11 +143,6 @@ inline QComboBox* popUp(QWidget* window, const char* name) {
   return p;
 }
 
-// The number a field shows.
-inline double readBack(QLineEdit* f) {
-  return f->text().toDouble();
-}
-
 inline std::string selectedItem(QComboBox* p) {
   return p->currentData().toString().toStdString();
 }
@@ -210,12 +202,6 @@ inline bool waitForRefreshes(const QObject& palette, int n = 2) {
   return QTest::qWaitFor([&] { return ticks.count() >= n; }, 5000);
 }
 
-// Shows a palette's window the way the controller does and waits for it.
-inline void showPalette(QWidget* window) {
-  window->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
-}
-
 // Saves a picture of a palette in use when ORRENVALE_SCREENSHOTS names a
 // directory; tests run without it in CI.
 inline void screenshot(QWidget* window, const char* name) {
@@ -245,7 +231,7 @@ class PaletteTest : public testing::Test {
     host.viewWindow = &viewWindow;
   }
 
-  TestHost host;
+  PaletteTestHost host;
   ScriptedPanels& dialogs = host.dialogs;
   View view{0};
   QWidget viewWindow;

@@ -235,22 +235,6 @@ TEST_F(SimulationPalette, ButtonsSendTheirCommandsWithThemselvesAsSender) {
   EXPECT_EQ(f("elapsedtime")->text(), QStringLiteral("0.01"));
 }
 
-TEST_F(SimulationPalette, ClosingWithTheCloseBoxSendsTheToggleAndStopsTheRefresh) {
-  show();
-  ASSERT_TRUE(clickCloseBox(win));
-  ASSERT_EQ(host.toggles.size(), 2u);  // the show, then the close box
-  EXPECT_EQ(host.toggles[1], &palette);
-  EXPECT_FALSE(win->isVisible());
-
-  // Hidden, it has no refresh timer: nothing can change its fields.
-  EXPECT_EQ(refreshTimer(palette), nullptr);
-  host.w.setName("Changed while hidden");
-  EXPECT_EQ(f("name")->text(), QStringLiteral("Default world"));
-
-  host.showSimulationPaletteFromMenu(nullptr);
-  EXPECT_EQ(f("name")->text(), QStringLiteral("Changed while hidden"));
-}
-
 TEST_F(SimulationPalette, RefreshPausesWhileADialogIsUp) {
   show();
   QDialog dialog;
