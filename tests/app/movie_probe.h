@@ -36,27 +36,16 @@ inline QByteArray runFfmpegTool(const QString& program, const QStringList& argum
 // The video stream's codec, picture size and number of frames, counted by
 // decoding every one.
 inline ProbedMovie probeMovie(const QString& path) {
-  const QByteArray out =
-      runFfmpegTool("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_frames",
-                                "-show_entries", "stream=codec_name,width,height,nb_read_frames",
-                                "-of", "default=noprint_wrappers=1", path});
-  ProbedMovie movie;
-  int width = 0;
-  int height = 0;
-  for (const QByteArray& line : out.split('\n')) {
-    const QByteArray value = line.mid(line.indexOf('=') + 1);
-    if (line.startsWith("codec_name=")) {
-      movie.codec = QString::fromLatin1(value);
-    } else if (line.startsWith("width=")) {
-      width = value.toInt();
-    } else if (line.startsWith("height=")) {
-      height = value.toInt();
-    } else if (line.startsWith("nb_read_frames=")) {
-      movie.frames = value.toInt();
-    }
-  }
-  movie.size = QSize(width, height);
-  return movie;
+  const QList<QByteArray> fields =
+      runFfmpegTool("ffprobe",
+                    {"-v", "error", "-select_streams", "v:0", "-count_frames", "-show_entries",
+                     "stream=codec_name,width,height,nb_read_frames", "-of", "csv=p=0", path})
+          .trimmed()
+          .split(',');
+  if (fields.size() != 4)
+    return {};
+  return {QString::fromLatin1(fields[0]), QSize(fields[1].toInt(), fields[2].toInt()),
+          fields[3].toInt()};
 }
 
 // Frame `index` (from 0) of the movie in 8-bit RGB, as ffmpeg decodes and
