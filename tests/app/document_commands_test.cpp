@@ -6,11 +6,9 @@
 #include <QDir>
 #include <QFile>
 #include <QImageReader>
-#include <QMainWindow>
 #include <QTemporaryDir>
 #include <atomic>
 #include <chrono>
-#include <cmath>
 #include <thread>
 
 #include "app_test_support.h"
@@ -52,19 +50,12 @@ class DocumentTest : public AppTest {
     flush();
   }
 
-  Panels::SaveChoice saveAll(const char* name, int stateIndex = 0) const {
-    Panels::SaveChoice c;
-    c.path = path(name);
-    c.stateIndex = stateIndex;
-    return c;
-  }
-
   QTemporaryDir dir;
 };
 
 TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   designWorld();
-  panels.saves.push_back(saveAll("world.ovd"));
+  panels.saves.push_back({path("world.ovd")});
   controller->saveDocumentFromMenu(nullptr);
   ASSERT_TRUE(QFile::exists(path("world.ovd")));
 
@@ -149,7 +140,7 @@ TEST_P(SaveState, WritesTheChosenStateAndShowsIt) {
   if (c.run)
     controller->toggleSim(nullptr);
   world().findBodyById(100)->position.x = 99.0;
-  panels.saves.push_back(saveAll("saved.ovd", c.stateIndex));
+  panels.saves.push_back({path("saved.ovd"), true, true, true, c.stateIndex});
   controller->saveDocumentFromMenu(nullptr);
   flush();
   EXPECT_FALSE(controller->running());
@@ -239,9 +230,7 @@ TEST_F(DocumentTest, SavingToAReadOnlyPlaceLeavesTheOldFile) {
     old.write("old contents");
   }
   QFile::setPermissions(dir.filePath("locked"), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-  Panels::SaveChoice c = saveAll("unused");
-  c.path = locked;
-  panels.saves.push_back(c);
+  panels.saves.push_back({locked});
   controller->saveDocumentFromMenu(nullptr);
   QFile::setPermissions(dir.filePath("locked"),
                         QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
