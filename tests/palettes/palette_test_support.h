@@ -21,6 +21,7 @@
 #include "close_box.h"
 #include "engine/names.h"
 #include "engine/world.h"
+#include "palettes/color_well.h"
 #include "palettes/palette_host.h"
 #include "palettes/panels.h"
 #include "scripted_panels.h"
@@ -109,21 +110,13 @@ class PaletteTestHost : public PaletteHost {
 // closing it; showing starts the timer and shows the window.
 template <typename Palette>
 void togglePalette(Palette& palette, bool& shown, QObject* sender) {
-  constexpr bool inspector = requires {
-    palette.becomeVisible();
-  };
-  if (shown) {
-    if constexpr (inspector)
-      palette.becomeInvisible();
-    if (sender != &palette)
-      palette.window()->close();
-    shown = false;
-  } else {
-    if constexpr (inspector)
-      palette.becomeVisible();
+  shown = !shown;
+  if constexpr (requires { palette.becomeVisible(); })
+    shown ? palette.becomeVisible() : palette.becomeInvisible();
+  if (shown)
     palette.window()->show();
-    shown = true;
-  }
+  else if (sender != &palette)
+    palette.window()->close();
 }
 
 // gtest prints QStrings as text.
@@ -179,6 +172,26 @@ inline void chooseItem(QComboBox* p, const char* itemName) {
   const QRect rect = list->visualRect(list->model()->index(index, 0));
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rect.center());
   ASSERT_TRUE(QTest::qWaitFor([list] { return !list->isVisible(); }, 5000));
+}
+
+// Checks that every field, pop-up and colour well of the window is disabled
+// and shows nothing; returns how many there are.
+inline int expectEmptyAndDisabled(const QWidget* window) {
+  int controls = 0;
+  for (QWidget* w : window->findChildren<QWidget*>()) {
+    if (auto* e = qobject_cast<QLineEdit*>(w)) {
+      EXPECT_TRUE(e->text().isEmpty()) << e->objectName().toStdString();
+    } else if (auto* p = qobject_cast<QComboBox*>(w)) {
+      EXPECT_EQ(p->currentIndex(), -1) << p->objectName().toStdString();
+    } else if (auto* c = qobject_cast<ColorWell*>(w)) {
+      EXPECT_FALSE(c->hasColor()) << c->objectName().toStdString();
+    } else {
+      continue;
+    }
+    EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
+    ++controls;
+  }
+  return controls;
 }
 
 // The palette's running refresh timer, or null while it has none.
