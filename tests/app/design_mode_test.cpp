@@ -138,10 +138,6 @@ TEST_F(AppTest, ResetWithEveryPaletteHiddenShowsTheSimulationPalette) {
   EXPECT_TRUE(controller->simulationPaletteController()->window()->isVisible());
 }
 
-}  // namespace
-
-namespace {
-
 std::vector<QPoint> viewWindowPositions(const Controller& c) {
   std::vector<QPoint> at;
   for (const OrrenvaleGLWindowController* w : c.viewWindows())

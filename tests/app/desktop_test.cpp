@@ -80,11 +80,6 @@ void clickCentre(const QWidget* widget) {
   clickAt(widget, widget->rect().center());
 }
 
-// Activates and raises a window as a task bar would.
-void activate(const QWidget* window) {
-  xdotool({"windowactivate", "--sync", QString::number(window->winId())});
-}
-
 void typeKeys(const QStringList& keys) {
   xdotool(QStringList{"key", "--clearmodifiers"} + keys);
 }
@@ -320,7 +315,7 @@ TEST_F(Desktop, TextEditingKeysStayInTheFocusedField) {
   auto* name = simPalette->findChild<QLineEdit*>("name");
   ASSERT_NE(name, nullptr);
   // New body brought the Body palette to the front, over this one.
-  activate(simPalette);
+  xdotool({"windowactivate", "--sync", QString::number(simPalette->winId())});
   clickCentre(name);
   WAIT_UNTIL(name->hasFocus());
   // Ctrl+Backspace deletes the word before the cursor, not the selected

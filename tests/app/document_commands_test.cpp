@@ -78,10 +78,7 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   EXPECT_EQ(world().nextBodyId, 103);
   EXPECT_EQ(world().gravitationalConstant, 1.0);
   EXPECT_STREQ(world().name, "Saved world");
-  std::vector<QString> titles;
-  for (QAction* i : controller->bodyMenuItems())
-    titles.push_back(i->data().toString());
-  EXPECT_EQ(titles, (std::vector<QString>{"Terra", "Body 2"}));
+  EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Terra", "Body 2"}));
 
   ASSERT_EQ(viewWindowCount(), 2);
   OrrenvaleGLWindowController* first = controller->viewWindows()[0];
