@@ -6,7 +6,6 @@
 #include <QTest>
 #include <QTimer>
 #include <memory>
-#include <optional>
 
 #include "app/controller.h"
 #include "app/orrenvale_gl_window_controller.h"

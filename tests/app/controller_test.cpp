@@ -3,7 +3,6 @@
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
-#include <QMainWindow>
 #include <QMenuBar>
 #include <QScreen>
 #include <QSignalSpy>
@@ -13,11 +12,8 @@
 
 #include "app/splash_window.h"
 #include "app_test_support.h"
-#include "engine/world.h"
-#include "palettes/body_window_controller.h"
 #include "tests/palettes/close_box.h"
 #include "view/orrenvale_gl.h"
-#include "view/view.h"
 
 namespace {
 

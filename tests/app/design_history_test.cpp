@@ -6,9 +6,7 @@
 
 #include "app/design_history.h"
 #include "document/world_document.h"
-#include "engine/world.h"
 #include "palettes/body_window_controller.h"
-#include "palettes/color_well.h"
 #include "palettes/simulation_window_controller.h"
 #include "tests/palettes/palette_test_support.h"
 #include "tests/view/view_test_support.h"

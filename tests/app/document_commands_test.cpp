@@ -14,7 +14,6 @@
 #include "app_test_support.h"
 #include "document/world_document.h"
 #include "view/orrenvale_gl.h"
-#include "view/view.h"
 
 namespace {
 

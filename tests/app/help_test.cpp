@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QDesktopServices>
-#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 

@@ -75,29 +75,25 @@ struct FrameDifference {
 
 inline FrameDifference compareFrames(const QImage& decoded, const QImage& original) {
   constexpr int kBlock = 8;
+  const int across = original.width() / kBlock;
+  const int blocks = across * (original.height() / kBlock);
   FrameDifference d;
-  const int w = original.width();
-  const int h = original.height();
-  double total = 0.0;
-  for (int by = 0; by + kBlock <= h; by += kBlock) {
-    for (int bx = 0; bx + kBlock <= w; bx += kBlock) {
-      double sums[3] = {};
-      for (int y = by; y < by + kBlock; ++y) {
-        for (int x = bx; x < bx + kBlock; ++x) {
-          const QRgb a = decoded.pixel(x, y);
-          const QRgb b = original.pixel(x, y);
-          const int diffs[3] = {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)};
-          for (int c = 0; c < 3; ++c) {
-            sums[c] += diffs[c];
-            total += std::abs(diffs[c]);
-          }
-        }
-      }
-      for (double sum : sums) {
-        d.worstBlock = std::max(d.worstBlock, std::abs(sum) / (kBlock * kBlock));
+  for (int block = 0; block < blocks; ++block) {
+    double sums[3] = {};
+    for (int i = 0; i < kBlock * kBlock; ++i) {
+      const int x = block % across * kBlock + i % kBlock;
+      const int y = block / across * kBlock + i / kBlock;
+      const QRgb a = decoded.pixel(x, y);
+      const QRgb b = original.pixel(x, y);
+      const int diffs[3] = {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)};
+      for (int c = 0; c < 3; ++c) {
+        sums[c] += diffs[c];
+        d.mean += std::abs(diffs[c]);
       }
     }
+    for (double sum : sums)
+      d.worstBlock = std::max(d.worstBlock, std::abs(sum) / (kBlock * kBlock));
   }
-  d.mean = total / (3.0 * (w / kBlock * kBlock) * (h / kBlock * kBlock));
+  d.mean /= 3.0 * blocks * kBlock * kBlock;
   return d;
 }

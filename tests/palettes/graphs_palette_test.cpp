@@ -9,7 +9,6 @@
 #include "palette_test_support.h"
 #include "palettes/graphs_window_controller.h"
 #include "palettes/plot_widget.h"
-#include "view/view.h"
 
 namespace {
 

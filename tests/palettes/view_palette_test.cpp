@@ -2,9 +2,7 @@
 #include <limits>
 
 #include "palette_test_support.h"
-#include "palettes/color_well.h"
 #include "palettes/view_window_controller.h"
-#include "view/view.h"
 
 namespace {
 
