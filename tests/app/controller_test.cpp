@@ -13,15 +13,12 @@
 #include "app/splash_window.h"
 #include "app_test_support.h"
 #include "tests/palettes/close_box.h"
-#include "view/orrenvale_gl.h"
 
 namespace {
 
-int activeUpdateTimers(const Controller& c) {
-  int n = 0;
-  for (QTimer* t : c.findChildren<QTimer*>("updateTimer"))
-    n += t->isActive() ? 1 : 0;
-  return n;
+auto activeUpdateTimers(const Controller& c) {
+  const QList<QTimer*> timers = c.findChildren<QTimer*>("updateTimer");
+  return std::count_if(timers.begin(), timers.end(), [](QTimer* t) { return t->isActive(); });
 }
 
 TEST_F(AppTest, StartUpLeavesOneViewWindowInDesignMode) {

@@ -114,7 +114,6 @@ class Desktop : public ::testing::Test {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(controller->splashWindow()));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(currentWindow()));
   }
-  void TearDown() override { controller.reset(); }
 
   QAction* item(const char* name) const { return controller->menuItem(name); }
   QWidget* currentWindow() const { return controller->mainWindowController()->window(); }

@@ -7,8 +7,6 @@
 #include <QImage>
 #include <QProcess>
 #include <QSize>
-#include <QString>
-#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>

@@ -15,14 +15,11 @@ class BodyPalette : public PaletteTest<BodyWindowController> {
  protected:
   void SetUp() override {
     giveView();
-    earth = named(host.w.createBody(), "Earth");
-    moon = named(host.w.createBody(), "Moon");
+    earth = host.w.createBody();
+    copyName(earth->name, "Earth");
+    moon = host.w.createBody();
+    copyName(moon->name, "Moon");
     view.selectedBodyID = earth->id;
-  }
-
-  static Body* named(Body* b, const char* name) {
-    copyName(b->name, name);
-    return b;
   }
 
   // Every control disabled and showing nothing: fifteen and the delete
