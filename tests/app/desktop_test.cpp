@@ -2,19 +2,14 @@
 // with_window_manager.sh): real dialogs, real stacking, activation by the
 // pointer and keys typed through the X server, as a user meets them.
 #include <gtest/gtest.h>
-#include <xcb/xcb.h>
 
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QFile>
 #include <QFileDialog>
-#include <QFileInfo>
-#include <QGuiApplication>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QProcess>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -24,7 +19,6 @@
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
-#include <cstring>
 #include <functional>
 
 #include "app/controller.h"
@@ -46,26 +40,21 @@
 
 namespace {
 
-xcb_connection_t* connection() {
-  return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-}
-
 // The windows the window manager manages, bottom to top.
 std::vector<xcb_window_t> stackingOrder() {
-  xcb_connection_t* c = connection();
-  const char* name = "_NET_CLIENT_LIST_STACKING";
-  xcb_intern_atom_reply_t* atom = xcb_intern_atom_reply(
-      c, xcb_intern_atom(c, 0, static_cast<uint16_t>(std::strlen(name)), name), nullptr);
+  xcb_connection_t* c = xConnection();
   const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
-  xcb_get_property_reply_t* reply = xcb_get_property_reply(
-      c, xcb_get_property(c, 0, root, atom->atom, XCB_ATOM_WINDOW, 0, 4096), nullptr);
+  xcb_get_property_reply_t* reply =
+      xcb_get_property_reply(c,
+                             xcb_get_property(c, 0, root, internAtom("_NET_CLIENT_LIST_STACKING"),
+                                              XCB_ATOM_WINDOW, 0, 4096),
+                             nullptr);
   std::vector<xcb_window_t> order;
   if (reply != nullptr) {
     const auto* windows = static_cast<const xcb_window_t*>(xcb_get_property_value(reply));
     order.assign(windows, windows + xcb_get_property_value_length(reply) / 4);
   }
   std::free(reply);
-  std::free(atom);
   return order;
 }
 
@@ -89,11 +78,6 @@ void clickAt(const QWidget* widget, QPoint local) {
 
 void clickCentre(const QWidget* widget) {
   clickAt(widget, widget->rect().center());
-}
-
-// Activates and raises a window as a task bar would.
-void activate(const QWidget* window) {
-  xdotool({"windowactivate", "--sync", QString::number(window->winId())});
 }
 
 void typeKeys(const QStringList& keys) {
@@ -130,7 +114,6 @@ class Desktop : public ::testing::Test {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(controller->splashWindow()));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(currentWindow()));
   }
-  void TearDown() override { controller.reset(); }
 
   QAction* item(const char* name) const { return controller->menuItem(name); }
   QWidget* currentWindow() const { return controller->mainWindowController()->window(); }
@@ -331,7 +314,7 @@ TEST_F(Desktop, TextEditingKeysStayInTheFocusedField) {
   auto* name = simPalette->findChild<QLineEdit*>("name");
   ASSERT_NE(name, nullptr);
   // New body brought the Body palette to the front, over this one.
-  activate(simPalette);
+  xdotool({"windowactivate", "--sync", QString::number(simPalette->winId())});
   clickCentre(name);
   WAIT_UNTIL(name->hasFocus());
   // Ctrl+Backspace deletes the word before the cursor, not the selected

@@ -6,17 +6,14 @@
 #include <QDir>
 #include <QFile>
 #include <QImageReader>
-#include <QMainWindow>
 #include <QTemporaryDir>
 #include <atomic>
 #include <chrono>
-#include <cmath>
 #include <thread>
 
 #include "app_test_support.h"
 #include "document/world_document.h"
 #include "view/orrenvale_gl.h"
-#include "view/view.h"
 
 namespace {
 
@@ -52,19 +49,12 @@ class DocumentTest : public AppTest {
     flush();
   }
 
-  Panels::SaveChoice saveAll(const char* name, int stateIndex = 0) const {
-    Panels::SaveChoice c;
-    c.path = path(name);
-    c.stateIndex = stateIndex;
-    return c;
-  }
-
   QTemporaryDir dir;
 };
 
 TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   designWorld();
-  panels.saves.push_back(saveAll("world.ovd"));
+  panels.saves.push_back({path("world.ovd")});
   controller->saveDocumentFromMenu(nullptr);
   ASSERT_TRUE(QFile::exists(path("world.ovd")));
 
@@ -87,10 +77,7 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   EXPECT_EQ(world().nextBodyId, 103);
   EXPECT_EQ(world().gravitationalConstant, 1.0);
   EXPECT_STREQ(world().name, "Saved world");
-  std::vector<QString> titles;
-  for (QAction* i : controller->bodyMenuItems())
-    titles.push_back(i->data().toString());
-  EXPECT_EQ(titles, (std::vector<QString>{"Terra", "Body 2"}));
+  EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Terra", "Body 2"}));
 
   ASSERT_EQ(viewWindowCount(), 2);
   OrrenvaleGLWindowController* first = controller->viewWindows()[0];
@@ -149,7 +136,7 @@ TEST_P(SaveState, WritesTheChosenStateAndShowsIt) {
   if (c.run)
     controller->toggleSim(nullptr);
   world().findBodyById(100)->position.x = 99.0;
-  panels.saves.push_back(saveAll("saved.ovd", c.stateIndex));
+  panels.saves.push_back({path("saved.ovd"), true, true, true, c.stateIndex});
   controller->saveDocumentFromMenu(nullptr);
   flush();
   EXPECT_FALSE(controller->running());
@@ -239,9 +226,7 @@ TEST_F(DocumentTest, SavingToAReadOnlyPlaceLeavesTheOldFile) {
     old.write("old contents");
   }
   QFile::setPermissions(dir.filePath("locked"), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-  Panels::SaveChoice c = saveAll("unused");
-  c.path = locked;
-  panels.saves.push_back(c);
+  panels.saves.push_back({locked});
   controller->saveDocumentFromMenu(nullptr);
   QFile::setPermissions(dir.filePath("locked"),
                         QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QDesktopServices>
-#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -41,8 +40,7 @@ TEST_F(HelpTest, HelpOpensTheReadmeInTheDesktopsViewer) {
   EXPECT_TRUE(opened);
   EXPECT_TRUE(panels.alerts.empty());
   ASSERT_EQ(catcher.urls.size(), 1u);
-  const QString path = catcher.urls[0].toLocalFile();
-  EXPECT_EQ(QFileInfo(path).canonicalFilePath(),
+  EXPECT_EQ(QFileInfo(catcher.urls[0].toLocalFile()).canonicalFilePath(),
             QFileInfo(ORRENVALE_SOURCE_DIR "/README.md").canonicalFilePath());
 }
 

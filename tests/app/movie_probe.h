@@ -7,8 +7,6 @@
 #include <QImage>
 #include <QProcess>
 #include <QSize>
-#include <QString>
-#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -36,27 +34,16 @@ inline QByteArray runFfmpegTool(const QString& program, const QStringList& argum
 // The video stream's codec, picture size and number of frames, counted by
 // decoding every one.
 inline ProbedMovie probeMovie(const QString& path) {
-  const QByteArray out =
-      runFfmpegTool("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_frames",
-                                "-show_entries", "stream=codec_name,width,height,nb_read_frames",
-                                "-of", "default=noprint_wrappers=1", path});
-  ProbedMovie movie;
-  int width = 0;
-  int height = 0;
-  for (const QByteArray& line : out.split('\n')) {
-    const QByteArray value = line.mid(line.indexOf('=') + 1);
-    if (line.startsWith("codec_name=")) {
-      movie.codec = QString::fromLatin1(value);
-    } else if (line.startsWith("width=")) {
-      width = value.toInt();
-    } else if (line.startsWith("height=")) {
-      height = value.toInt();
-    } else if (line.startsWith("nb_read_frames=")) {
-      movie.frames = value.toInt();
-    }
-  }
-  movie.size = QSize(width, height);
-  return movie;
+  const QList<QByteArray> fields =
+      runFfmpegTool("ffprobe",
+                    {"-v", "error", "-select_streams", "v:0", "-count_frames", "-show_entries",
+                     "stream=codec_name,width,height,nb_read_frames", "-of", "csv=p=0", path})
+          .trimmed()
+          .split(',');
+  if (fields.size() != 4)
+    return {};
+  return {QString::fromLatin1(fields[0]), QSize(fields[1].toInt(), fields[2].toInt()),
+          fields[3].toInt()};
 }
 
 // Frame `index` (from 0) of the movie in 8-bit RGB, as ffmpeg decodes and
@@ -86,29 +73,25 @@ struct FrameDifference {
 
 inline FrameDifference compareFrames(const QImage& decoded, const QImage& original) {
   constexpr int kBlock = 8;
+  const int across = original.width() / kBlock;
+  const int blocks = across * (original.height() / kBlock);
   FrameDifference d;
-  const int w = original.width();
-  const int h = original.height();
-  double total = 0.0;
-  for (int by = 0; by + kBlock <= h; by += kBlock) {
-    for (int bx = 0; bx + kBlock <= w; bx += kBlock) {
-      double sums[3] = {};
-      for (int y = by; y < by + kBlock; ++y) {
-        for (int x = bx; x < bx + kBlock; ++x) {
-          const QRgb a = decoded.pixel(x, y);
-          const QRgb b = original.pixel(x, y);
-          const int diffs[3] = {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)};
-          for (int c = 0; c < 3; ++c) {
-            sums[c] += diffs[c];
-            total += std::abs(diffs[c]);
-          }
-        }
-      }
-      for (double sum : sums) {
-        d.worstBlock = std::max(d.worstBlock, std::abs(sum) / (kBlock * kBlock));
+  for (int block = 0; block < blocks; ++block) {
+    double sums[3] = {};
+    for (int i = 0; i < kBlock * kBlock; ++i) {
+      const int x = block % across * kBlock + i % kBlock;
+      const int y = block / across * kBlock + i / kBlock;
+      const QRgb a = decoded.pixel(x, y);
+      const QRgb b = original.pixel(x, y);
+      const int diffs[3] = {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)};
+      for (int c = 0; c < 3; ++c) {
+        sums[c] += diffs[c];
+        d.mean += std::abs(diffs[c]);
       }
     }
+    for (double sum : sums)
+      d.worstBlock = std::max(d.worstBlock, std::abs(sum) / (kBlock * kBlock));
   }
-  d.mean = total / (3.0 * (w / kBlock * kBlock) * (h / kBlock * kBlock));
+  d.mean /= 3.0 * blocks * kBlock * kBlock;
   return d;
 }

@@ -23,9 +23,8 @@ class MovieTest : public AppTest {
       Body* b = world().createBody();
       b->position = Vector::of(xs[i], 40.0 * i - 40.0, 0.0);
       b->radius = 35.0;
-      b->color[0] = i == 0 ? 1.0f : 0.1f;
-      b->color[1] = i == 1 ? 1.0f : 0.1f;
-      b->color[2] = i == 2 ? 1.0f : 0.1f;
+      for (int c = 0; c < 3; ++c)
+        b->color[c] = c == i ? 1.0f : 0.1f;
     }
     controller->mainWindowController()->setContentSize(320, 240);
     flush();
@@ -135,36 +134,45 @@ TEST_F(MovieTest, ClosingTheViewEndsTheRecordingWithAMessageAndNoFile) {
   EXPECT_EQ(filesLeft(), QStringList());
 }
 
-// The alert names the file and gives the system's reason; no file is left,
-// not even the unfinished one beside it.
-TEST_F(MovieTest, MissingFolderGivesAMessageAndNoFile) {
-  const QString path = dir.filePath("missing/movie.mp4");
-  EXPECT_EQ(record({path, 48, false, 24}), nullptr);
+struct FailureCase {
+  const char* name;
+  const char* file;
+  rlim_t fileSizeLimit;  // as on a full disk, less than the first frames take
+  const char* reason;
+  std::optional<MovieRecorder::Outcome> outcome;  // none: the recording never starts
+};
+
+class MovieFailure : public MovieTest, public ::testing::WithParamInterface<FailureCase> {};
+
+// A folder that is missing, or a write that fails half-way: the alert names
+// the file and gives the system's reason; no file is left, not even the
+// unfinished one beside it.
+TEST_P(MovieFailure, GivesAMessageAndNoFile) {
+  const FailureCase c = GetParam();
+  rlimit saved{};
+  getrlimit(RLIMIT_FSIZE, &saved);
+  rlimit limited = saved;
+  limited.rlim_cur = std::min(saved.rlim_cur, c.fileSizeLimit);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+  const QString path = dir.filePath(c.file);
+  const bool started = record({path, 48, false, 24}) != nullptr;
+  const bool ended = started && waitForTheEnd();
+  setrlimit(RLIMIT_FSIZE, &saved);
+  EXPECT_EQ(ended, started);
+  EXPECT_EQ(outcome, c.outcome);
   ASSERT_EQ(panels.alertMessages.size(), 1u);
   EXPECT_EQ(panels.alertMessages[0],
-            path + " cannot be written (No such file or directory); no movie was saved.");
+            path + " cannot be written (" + c.reason + "); no movie was saved.");
   EXPECT_EQ(filesLeft(), QStringList());
   EXPECT_EQ(MovieRecorder::active(), nullptr);
 }
 
-// A write that fails half-way, as on a full disk: here the process may
-// write no file beyond 4 KiB, less than the first frames take.
-TEST_F(MovieTest, FailedWriteGivesAMessageAndNoFile) {
-  rlimit saved{};
-  getrlimit(RLIMIT_FSIZE, &saved);
-  rlimit small = saved;
-  small.rlim_cur = 4096;
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const QString path = dir.filePath("big.mp4");
-  const bool started = record({path, 48, false, 24}) != nullptr;
-  const bool ended = started && waitForTheEnd();
-  setrlimit(RLIMIT_FSIZE, &saved);
-  ASSERT_TRUE(ended);
-  EXPECT_EQ(outcome, MovieRecorder::Outcome::Failed);
-  ASSERT_EQ(panels.alertMessages.size(), 1u);
-  EXPECT_EQ(panels.alertMessages[0],
-            path + " cannot be written (File too large); no movie was saved.");
-  EXPECT_EQ(filesLeft(), QStringList());
-}
+INSTANTIATE_TEST_SUITE_P(
+    Causes, MovieFailure,
+    ::testing::Values(FailureCase{"MissingFolder", "missing/movie.mp4", RLIM_INFINITY,
+                                  "No such file or directory", std::nullopt},
+                      FailureCase{"FailedWrite", "big.mp4", 4096, "File too large",
+                                  MovieRecorder::Outcome::Failed}),
+    [](const auto& p) { return std::string(p.param.name); });
 
 }  // namespace

@@ -2,17 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
-#include <QWindow>
 #include <algorithm>
 #include <functional>
 #include <optional>
@@ -22,6 +21,7 @@
 #include "close_box.h"
 #include "engine/names.h"
 #include "engine/world.h"
+#include "palettes/color_well.h"
 #include "palettes/palette_host.h"
 #include "palettes/panels.h"
 #include "scripted_panels.h"
@@ -33,12 +33,12 @@ class PaletteController;
 // the test supplies, flags the test sets, and a count of every command the
 // palettes send. The palette toggles follow the controller's protocol: hide
 // stops the timer and closes the window unless the palette itself is closing.
-class TestHost : public PaletteHost {
+class PaletteTestHost : public PaletteHost {
  public:
-  TestHost() { setViewHost(this); }
-  ~TestHost() override { setViewHost(nullptr); }
-  TestHost(const TestHost&) = delete;
-  TestHost& operator=(const TestHost&) = delete;
+  PaletteTestHost() { setViewHost(this); }
+  ~PaletteTestHost() override { setViewHost(nullptr); }
+  PaletteTestHost(const PaletteTestHost&) = delete;
+  PaletteTestHost& operator=(const PaletteTestHost&) = delete;
 
   World& world() override { return w; }
   int panType() const override { return kPanTypeXY; }
@@ -76,11 +76,9 @@ class TestHost : public PaletteHost {
 
   void populateMenuBar(QMenuBar* bar) override { bar->addMenu(QStringLiteral("Simulation")); }
 
-  int count(const std::string& command) const {
-    int n = 0;
-    for (const Command& c : commands)
-      n += c.name == command ? 1 : 0;
-    return n;
+  auto count(const std::string& command) const {
+    return std::count_if(commands.begin(), commands.end(),
+                         [&](const Command& c) { return c.name == command; });
   }
 
   struct Command {
@@ -112,21 +110,13 @@ class TestHost : public PaletteHost {
 // closing it; showing starts the timer and shows the window.
 template <typename Palette>
 void togglePalette(Palette& palette, bool& shown, QObject* sender) {
-  constexpr bool inspector = requires {
-    palette.becomeVisible();
-  };
-  if (shown) {
-    if constexpr (inspector)
-      palette.becomeInvisible();
-    if (sender != &palette)
-      palette.window()->close();
-    shown = false;
-  } else {
-    if constexpr (inspector)
-      palette.becomeVisible();
+  shown = !shown;
+  if constexpr (requires { palette.becomeVisible(); })
+    shown ? palette.becomeVisible() : palette.becomeInvisible();
+  if (shown)
     palette.window()->show();
-    shown = true;
-  }
+  else if (sender != &palette)
+    palette.window()->close();
 }
 
 // gtest prints QStrings as text.
@@ -144,11 +134,6 @@ inline QComboBox* popUp(QWidget* window, const char* name) {
   auto* p = window->findChild<QComboBox*>(QString::fromLatin1(name));
   EXPECT_NE(p, nullptr) << name;
   return p;
-}
-
-// The number a field shows.
-inline double readBack(QLineEdit* f) {
-  return f->text().toDouble();
 }
 
 inline std::string selectedItem(QComboBox* p) {
@@ -189,6 +174,26 @@ inline void chooseItem(QComboBox* p, const char* itemName) {
   ASSERT_TRUE(QTest::qWaitFor([list] { return !list->isVisible(); }, 5000));
 }
 
+// Checks that every field, pop-up and colour well of the window is disabled
+// and shows nothing; returns how many there are.
+inline int expectEmptyAndDisabled(const QWidget* window) {
+  int controls = 0;
+  for (QWidget* w : window->findChildren<QWidget*>()) {
+    if (auto* e = qobject_cast<QLineEdit*>(w)) {
+      EXPECT_TRUE(e->text().isEmpty()) << e->objectName().toStdString();
+    } else if (auto* p = qobject_cast<QComboBox*>(w)) {
+      EXPECT_EQ(p->currentIndex(), -1) << p->objectName().toStdString();
+    } else if (auto* c = qobject_cast<ColorWell*>(w)) {
+      EXPECT_FALSE(c->hasColor()) << c->objectName().toStdString();
+    } else {
+      continue;
+    }
+    EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
+    ++controls;
+  }
+  return controls;
+}
+
 // The palette's running refresh timer, or null while it has none.
 inline QTimer* refreshTimer(const QObject& palette) {
   for (QTimer* t : palette.findChildren<QTimer*>()) {
@@ -208,12 +213,6 @@ inline bool waitForRefreshes(const QObject& palette, int n = 2) {
   }
   QSignalSpy ticks(timer, &QTimer::timeout);
   return QTest::qWaitFor([&] { return ticks.count() >= n; }, 5000);
-}
-
-// Shows a palette's window the way the controller does and waits for it.
-inline void showPalette(QWidget* window) {
-  window->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
 }
 
 // Saves a picture of a palette in use when ORRENVALE_SCREENSHOTS names a
@@ -245,7 +244,7 @@ class PaletteTest : public testing::Test {
     host.viewWindow = &viewWindow;
   }
 
-  TestHost host;
+  PaletteTestHost host;
   ScriptedPanels& dialogs = host.dialogs;
   View view{0};
   QWidget viewWindow;
