@@ -87,9 +87,9 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
       2000));
   screenshot(palette.window(), "text_palette");
   EXPECT_EQ(palette.lineCount(), kSteps);
-  EXPECT_LE(viewtext()->blockCount(), 300);  // 256 KB of lines cut to 1 KB
+  EXPECT_LE(viewtext()->blockCount(), 600);  // 256 KB of lines cut to 512 bytes
   for (const QString& line : viewtext()->toPlainText().split('\n'))
-    EXPECT_LE(line.size(), 1030);
+    EXPECT_LE(line.size(), 520);
   const QString status = palette.window()->findChild<QLabel*>("lineCount")->text();
   EXPECT_TRUE(status.startsWith(QStringLiteral("3,000 lines (the newest"))) << status.toStdString();
 
