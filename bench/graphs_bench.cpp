@@ -66,16 +66,16 @@ GraphHistory syntheticHistory(std::size_t samples) {
 // palette, drawn into an image as its paint event draws it on screen.
 void BM_PlotRedraw(benchmark::State& state) {
   const GraphHistory history = syntheticHistory(static_cast<std::size_t>(state.range(0)));
-  PlotSpec spec;
-  spec.logarithmic = state.range(1) != 0;
-  spec.title = QStringLiteral("Plot");
-  if (spec.logarithmic) {
-    spec.lines = {{GraphSeries::EnergyError, QStringLiteral("energy"), Qt::red},
-                  {GraphSeries::AngularMomentumError, QStringLiteral("ang. mom."), Qt::blue}};
+  PlotContent content;
+  content.logarithmic = state.range(1) != 0;
+  content.title = QStringLiteral("Plot");
+  if (content.logarithmic) {
+    content.lines = {{GraphSeries::EnergyError, QStringLiteral("energy"), Qt::red},
+                     {GraphSeries::AngularMomentumError, QStringLiteral("ang. mom."), Qt::blue}};
   } else {
-    spec.lines = {{GraphSeries::Energy, QStringLiteral("E"), Qt::red}};
+    content.lines = {{GraphSeries::Energy, QStringLiteral("E"), Qt::red}};
   }
-  PlotWidget plot(history, spec);
+  PlotWidget plot(history, content);
   plot.resize(500, 110);
   QImage image(plot.size(), QImage::Format_ARGB32_Premultiplied);
   for (auto _ : state) {

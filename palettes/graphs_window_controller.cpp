@@ -29,7 +29,7 @@ double relativeError(double a, double b) {
 struct PlotChoice {
   const char* name;
   bool shown;
-  PlotSpec spec;
+  PlotContent content;
 };
 
 // Colours that stay apart on a light or a dark background.
@@ -97,11 +97,11 @@ void GraphsWindowController::buildWindow() {
   windowLayout()->addLayout(buttons);
 
   for (PlotChoice& choice : plotChoices()) {
-    auto* plot = new PlotWidget(history_, choice.spec);
+    auto* plot = new PlotWidget(history_, choice.content);
     plot->setObjectName(QLatin1String(choice.name) + QStringLiteral("Plot"));
     plot->setVisible(choice.shown);
     windowLayout()->addWidget(plot, 1);
-    QAction* item = menu->addAction(choice.spec.title);
+    QAction* item = menu->addAction(choice.content.title);
     item->setObjectName(QLatin1String(choice.name) + QStringLiteral("Shown"));
     item->setCheckable(true);
     item->setChecked(choice.shown);

@@ -35,8 +35,8 @@ QString readoutValue(double value) {
 
 }  // namespace
 
-PlotWidget::PlotWidget(const GraphHistory& history, PlotSpec spec, QWidget* parent)
-    : QWidget(parent), history_(history), spec_(std::move(spec)) {
+PlotWidget::PlotWidget(const GraphHistory& history, PlotContent content, QWidget* parent)
+    : QWidget(parent), history_(history), content_(std::move(content)) {
   setMouseTracking(true);
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
@@ -52,9 +52,9 @@ QSize PlotWidget::minimumSizeHint() const {
 bool PlotWidget::valueRange(double& min, double& max) const {
   min = INFINITY;
   max = -INFINITY;
-  for (const PlotLine& line : spec_.lines) {
+  for (const PlotLine& line : content_.lines) {
     for (const double v : history_.values(line.series)) {
-      if (std::isfinite(v) && (!spec_.logarithmic || v > 0.0)) {
+      if (std::isfinite(v) && (!content_.logarithmic || v > 0.0)) {
         min = std::min(min, v);
         max = std::max(max, v);
       }
@@ -82,8 +82,8 @@ void PlotWidget::paintEvent(QPaintEvent* /*event*/) {
   const double plotHeight = height() - top - fm.height() - kGap;
   const int yTicks = std::max(1, static_cast<int>(plotHeight / kPixelsPerYTick));
   Frame f;
-  f.y =
-      spec_.logarithmic ? logAxis(min, max, yTicks) : linearAxis(min, max, yTicks, spec_.integers);
+  f.y = content_.logarithmic ? logAxis(min, max, yTicks)
+                             : linearAxis(min, max, yTicks, content_.integers);
   // Room for any label up to the length of "-8.888e+88", so that the plots
   // of a palette line up and share their time ticks.
   int labelWidth = fm.horizontalAdvance(QStringLiteral("-8.888e+88"));
@@ -126,7 +126,7 @@ void PlotWidget::paintEvent(QPaintEvent* /*event*/) {
 
   p.save();
   p.setClipRect(f.area.adjusted(-1, -1, 1, 1));
-  for (const PlotLine& line : spec_.lines) {
+  for (const PlotLine& line : content_.lines) {
     drawLine(p, line, f.area, f.x, f.y);
   }
   p.restore();
@@ -144,12 +144,12 @@ void PlotWidget::drawLegend(QPainter& p, const AxisTicks* yAxis) const {
   bold.setBold(true);
   p.setFont(bold);
   p.setPen(palette().color(QPalette::Text));
-  const QString title = spec_.title + (spec_.logarithmic ? tr(" (log)") : QString());
+  const QString title = content_.title + (content_.logarithmic ? tr(" (log)") : QString());
   p.drawText(QPointF(x, kGap / 2.0 + fm.ascent()), title);
   x += QFontMetrics(bold).horizontalAdvance(title) + 2 * kGap;
   p.setFont(font());
-  if (spec_.lines.size() > 1) {
-    for (const PlotLine& line : spec_.lines) {
+  if (content_.lines.size() > 1) {
+    for (const PlotLine& line : content_.lines) {
       p.setPen(QPen(line.color, 3.0));
       p.drawLine(QPointF(x, middle), QPointF(x + 14, middle));
       x += 18;
@@ -157,8 +157,8 @@ void PlotWidget::drawLegend(QPainter& p, const AxisTicks* yAxis) const {
       p.drawText(QPointF(x, kGap / 2.0 + fm.ascent()), line.name);
       x += fm.horizontalAdvance(line.name) + 2 * kGap;
     }
-  } else if (!spec_.lines.empty()) {
-    p.setPen(QPen(spec_.lines.front().color, 3.0));
+  } else if (!content_.lines.empty()) {
+    p.setPen(QPen(content_.lines.front().color, 3.0));
     p.drawLine(QPointF(x, middle), QPointF(x + 14, middle));
   }
   if (yAxis != nullptr && !yAxis->offset.empty()) {
@@ -242,7 +242,7 @@ void PlotWidget::drawReadout(QPainter& p, const QRectF& area, const AxisTicks& x
   p.setPen(QPen(palette().color(QPalette::Text), 1.0, Qt::DotLine));
   p.drawLine(QPointF(sampleX, area.top()), QPointF(sampleX, area.bottom()));
   QStringList lines{tr("t = %1").arg(readoutValue(history_.times()[i]))};
-  for (const PlotLine& line : spec_.lines) {
+  for (const PlotLine& line : content_.lines) {
     const double value = history_.values(line.series)[i];
     lines.append(QStringLiteral("%1 = %2").arg(line.name, readoutValue(value)));
     const double fy = y.fraction(value);

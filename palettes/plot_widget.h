@@ -19,27 +19,27 @@ struct PlotLine {
 
 // What one plot shows: its lines, on a linear or logarithmic value axis;
 // integer axes (body counts) tick on whole numbers.
-struct PlotSpec {
+struct PlotContent {
   QString title;
   std::vector<PlotLine> lines;
   bool logarithmic = false;
   bool integers = false;
 };
 
-// One plot of the Graphs palette: the spec's quantities of a history against
-// elapsed time, on axes that fit the samples, with a legend, and under the
-// pointer a line through the nearest sample with its time and values. It
-// draws whatever the history holds when it paints; its owner calls update()
-// when the history has changed.
+// One plot of the Graphs palette: the quantities its content names, from a
+// history, against elapsed time, on axes that fit the samples, with a
+// legend, and under the pointer a line through the nearest sample with its
+// time and values. It draws whatever the history holds when it paints; its
+// owner calls update() when the history has changed.
 //
 // However many samples there are, a curve is drawn through at most four
 // points per pixel column: the first, lowest, highest and last sample of
 // the column, which give the same picture as every sample would.
 class PlotWidget : public QWidget {
  public:
-  PlotWidget(const GraphHistory& history, PlotSpec spec, QWidget* parent = nullptr);
+  PlotWidget(const GraphHistory& history, PlotContent content, QWidget* parent = nullptr);
 
-  const PlotSpec& spec() const { return spec_; }
+  const PlotContent& content() const { return content_; }
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
@@ -58,7 +58,7 @@ class PlotWidget : public QWidget {
   void drawReadout(QPainter& p, const QRectF& area, const AxisTicks& x, const AxisTicks& y) const;
 
   const GraphHistory& history_;
-  PlotSpec spec_;
+  PlotContent content_;
   // The pointer's x in widget pixels, or negative when it is elsewhere.
   double hoverX_ = -1.0;
 };
