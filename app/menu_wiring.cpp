@@ -1,5 +1,5 @@
 // The menus as the Controller sees them: each command item connected to its
-// operation, the menu bars and the state setters the Parts name.
+// operation, the menu bars and the state setters the Controller offers.
 #include <QAction>
 #include <QApplication>
 #include <QMenuBar>
