@@ -8,7 +8,6 @@
 #include <QImageReader>
 #include <QTemporaryDir>
 #include <atomic>
-#include <chrono>
 #include <thread>
 
 #include "app_test_support.h"
@@ -179,24 +178,23 @@ TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
 TEST_F(DocumentTest, FifoGivesTheDefaultWorldWithoutWaitingForAWriter) {
   const QByteArray fifo = QFile::encodeName(path("world.ovd"));
   ASSERT_EQ(mkfifo(fifo.constData(), 0600), 0);
-  // Opening the FIFO for reading would wait for a writer. This thread is one
-  // the moment anybody reads (its non-blocking open fails until then), so
-  // the test ends either way and tells whether the FIFO was opened.
-  std::atomic<bool> done = false;
+  // Opening the FIFO for reading would wait for a writer. This thread is the
+  // writer: its open returns once anybody has opened the FIFO for reading, so
+  // the test ends either way; only the program can do so before `released`.
+  std::atomic<bool> released = false;
   std::atomic<bool> opened = false;
   std::thread writer([&] {
-    while (!done) {
-      if (const int fd = ::open(fifo.constData(), O_WRONLY | O_NONBLOCK); fd >= 0) {
-        opened = true;
-        ::close(fd);
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    if (const int fd = ::open(fifo.constData(), O_WRONLY); fd >= 0) {
+      opened = !released;
+      ::close(fd);
     }
   });
   controller->newBody(nullptr);
   controller->openFile(path("world.ovd"));
-  done = true;
+  released = true;
+  const int reader = ::open(fifo.constData(), O_RDONLY | O_NONBLOCK);
   writer.join();
+  ::close(reader);
   flush();
   EXPECT_FALSE(opened);
   EXPECT_EQ(world().bodies->count(), 0);
