@@ -28,7 +28,6 @@ TEST_F(AppTest, StartUpLeavesOneViewWindowInDesignMode) {
   EXPECT_TRUE(controller->editing());
   EXPECT_FALSE(controller->running());
   EXPECT_TRUE(item("menuViewXY")->isChecked());
-  EXPECT_EQ(controller->panType(), kPanTypeXY);
   EXPECT_TRUE(item("menuFilePrint")->isEnabled());
   ASSERT_NE(controller->splashWindow(), nullptr);
   EXPECT_TRUE(controller->splashWindow()->isVisible());
