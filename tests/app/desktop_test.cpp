@@ -96,16 +96,14 @@ void whenModalDialogShows(const std::function<void(QWidget*)>& check,
   poll->start();
 }
 
-class Desktop : public ::testing::Test {
+class Desktop : public StartedApp<QtPanels> {
  protected:
   void SetUp() override {
-    controller = std::make_unique<Controller>(&panels);
-    ASSERT_TRUE(controller->applicationDidFinishLaunching());
+    StartedApp::SetUp();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(controller->splashWindow()));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(currentWindow()));
   }
 
-  QAction* item(const char* name) const { return controller->menuItem(name); }
   QWidget* currentWindow() const { return controller->mainWindowController()->window(); }
   // Quitting would end every event loop of the test; the quit item is
   // watched instead.
@@ -114,9 +112,6 @@ class Desktop : public ::testing::Test {
     QObject::disconnect(quit, &QAction::triggered, qApp, nullptr);
     return std::make_unique<QSignalSpy>(quit, &QAction::triggered);
   }
-
-  QtPanels panels;
-  std::unique_ptr<Controller> controller;
 };
 
 TEST_F(Desktop, ModalDialogsOpenAboveTheSplashAndThePalettes) {

@@ -14,7 +14,6 @@
 #include <QWidget>
 #include <algorithm>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,8 +25,6 @@
 #include "palettes/panels.h"
 #include "scripted_panels.h"
 #include "view/view.h"
-
-class PaletteController;
 
 // Stands in for the application controller: a real world, a view record
 // the test supplies, flags the test sets, and every command the palettes
