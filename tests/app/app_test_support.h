@@ -19,9 +19,11 @@
 #include "view/trackball.h"
 #include "view/view.h"
 
-// A started application: the controller after its launch, with scripted
-// dialogs. Deleted windows are flushed before and after each test.
-class AppTest : public ::testing::Test {
+// A started application: the controller after its launch, its dialogs
+// answered by PanelsType. Deleted windows are flushed before and after each
+// test.
+template <typename PanelsType>
+class StartedApp : public ::testing::Test {
  protected:
   void SetUp() override {
     controller = std::make_unique<Controller>(&panels);
@@ -63,6 +65,9 @@ class AppTest : public ::testing::Test {
         [&] { return v->trackball->width == width && v->trackball->height == height; }, 5000);
   }
 
-  ScriptedPanels panels;
+  PanelsType panels;
   std::unique_ptr<Controller> controller;
 };
+
+// The application with scripted dialogs.
+using AppTest = StartedApp<ScriptedPanels>;

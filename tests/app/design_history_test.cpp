@@ -8,6 +8,7 @@
 #include "document/world_document.h"
 #include "palettes/body_window_controller.h"
 #include "palettes/simulation_window_controller.h"
+#include "tests/engine/test_support.h"
 #include "tests/palettes/palette_test_support.h"
 #include "tests/view/view_test_support.h"
 #include "view/orrenvale_gl.h"
@@ -32,37 +33,17 @@ class EditHost : public PaletteTestHost {
   DesignHistory history{w, [this](Body* b, std::string_view name) { worldRenameBody(b, name); }};
 };
 
-// Everything the user can edit in the world, bit for bit: the bodies in list
-// order with every field, the identifier counter and the parameters.
+// Everything the user can edit in the world, bit for bit: the bodies' state
+// in list order with their names, the identifier counter and the parameters.
 std::string fingerprint(const World& w) {
-  std::string bytes;
-  const auto add = [&bytes](const auto& value) {
-    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
-  };
-  forEachItem<Body>(*w.bodies, [&](const Body& b) {
-    add(b.id);
-    for (const Vector* v : {&b.position, &b.velocity, &b.acceleration}) {
-      add(v->x);
-      add(v->y);
-      add(v->z);
-    }
-    add(b.radius);
-    add(b.mass);
-    bytes += b.name;
-    add(b.color);
-    add(b.traceEnable);
-    add(b.showVectors);
-  });
-  add(w.nextBodyId);
-  add(w.timeStep);
-  add(w.gravitationalConstant);
-  add(w.restitution);
-  add(w.merge);
-  add(w.adaptive);
-  add(w.millisecondsPerUpdate);
-  add(w.traceHistoryPoints);
-  bytes += w.name;
-  return bytes;
+  const std::vector<uint64_t> state = stateBits(w);
+  std::string bytes(reinterpret_cast<const char*>(state.data()), state.size() * sizeof state[0]);
+  forEachItem<Body>(*w.bodies, [&](const Body& b) { bytes.append(b.name).push_back('\0'); });
+  for (double d :
+       {double(w.nextBodyId), w.gravitationalConstant, w.restitution, double(w.merge),
+        double(w.adaptive), double(w.millisecondsPerUpdate), double(w.traceHistoryPoints)})
+    bytes.append(reinterpret_cast<const char*>(&d), sizeof d);
+  return bytes + w.name;
 }
 
 class DesignHistoryTest : public ::testing::Test {
@@ -243,18 +224,15 @@ TEST_F(DesignHistoryTest, EachDragIsOneEntry) {
   ASSERT_TRUE(QTest::qWaitForWindowExposed(gl.get()));
   gl->captureView();
   const std::string before = fingerprint(host.w);
-  const auto drag = [&](const Vector& at, QPoint by) {
+  const auto shiftDrag = [&](const Vector& at, QPointF by) {
     const std::optional<PixelPoint> p = projectToView(*gl->view(), at);
     ASSERT_TRUE(p);
-    const QPoint from(static_cast<int>(p->x), static_cast<int>(p->yTop));
-    QTest::mousePress(gl.get(), Qt::LeftButton, Qt::ShiftModifier, from);
-    for (int i = 1; i <= 4; ++i)
-      moveWithButtons(*gl, from + by * i / 4, Qt::LeftButton, Qt::ShiftModifier);
-    QTest::mouseRelease(gl.get(), Qt::LeftButton, Qt::ShiftModifier, from + by);
+    drag(*gl, Qt::LeftButton, QPointF(p->x, p->yTop), QPointF(p->x, p->yTop) + by,
+         Qt::ShiftModifier, 4);
   };
-  drag(earth->position, QPoint(30, 20));
+  shiftDrag(earth->position, QPointF(30, 20));
   EXPECT_EQ(undoTitle(), "&Undo Move Earth");
-  drag(earth->position + earth->velocity, QPoint(0, -30));
+  shiftDrag(earth->position + earth->velocity, QPointF(0, -30));
   EXPECT_EQ(undoTitle(), "&Undo Aim Earth");
   EXPECT_EQ(host.history.stack().count(), 2);
   undo();

