@@ -180,15 +180,6 @@ TEST_F(Commands, PanAndZoomCommandsMoveTheCamera) {
   EXPECT_NEAR(v.cameraPosition.z, 396.0, 1e-12);
 }
 
-TEST_F(Commands, ViewsAreNamedFromTheWorldsViewCounter) {
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 0");
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 1");
-  views.pop_back();
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 2");
-  world().reset();
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 0");
-}
-
 using Redraw = ViewFixture;
 
 // 24 frames a second; half a second gives about 12. The window stands apart
