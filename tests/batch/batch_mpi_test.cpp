@@ -1,12 +1,7 @@
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QTest>
 
 #include "batch_test_support.h"
 #include "document/plist_writer.h"
@@ -171,56 +166,6 @@ TEST_F(Job, FailureEndsEveryProcessWithOneMessage) {
     EXPECT_EQ(job.err.count('\n'), 1) << job.err.toStdString();
     EXPECT_TRUE(job.out.isEmpty());
   }
-}
-
-// Process identifiers of the children of a process.
-QList<qint64> childrenOf(qint64 pid) {
-  QList<qint64> children;
-  const QString tasks = QStringLiteral("/proc/%1/task").arg(pid);
-  for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-    QFile file(tasks + QLatin1Char('/') + task + QStringLiteral("/children"));
-    if (file.open(QIODevice::ReadOnly)) {
-      for (const QByteArray& id : file.readAll().split(' ')) {
-        if (!id.trimmed().isEmpty()) {
-          children.append(id.trimmed().toLongLong());
-        }
-      }
-    }
-  }
-  return children;
-}
-
-// mpirun ends the whole job when one process dies; the datafile that --save
-// names is written only after the last step and through a temporary file, so
-// nothing is left in its place.
-TEST_F(Job, KilledProcessEndsTheJobAndLeavesNoSave) {
-  const QString world = writeWorld(kWorlds[4]);
-  const QString saved = path(QStringLiteral("saved.ovd"));
-  QProcess mpirun;
-  mpirun.setProcessEnvironment(jobEnvironment());
-  mpirun.start(
-      QStringLiteral(MPIEXEC),
-      jobArgs(2,
-              QStringLiteral("-n|100000|--progress|--save|%1|%2").arg(saved, world).split(u'|')));
-  ASSERT_TRUE(mpirun.waitForStarted());
-  // Mid-run: the first process reports its progress once it steps.
-  qint64 victim = 0;
-  const bool running = QTest::qWaitFor(
-      [&] {
-        const QList<qint64> processes = childrenOf(mpirun.processId());
-        if (processes.size() == 2 && !mpirun.readAllStandardError().isEmpty()) {
-          victim = processes.last();
-        }
-        return victim != 0;
-      },
-      60000);
-  ASSERT_TRUE(running) << "the job did not start two processes";
-  ASSERT_EQ(::kill(static_cast<pid_t>(victim), SIGKILL), 0);
-  ASSERT_TRUE(mpirun.waitForFinished(60000));
-  EXPECT_TRUE(mpirun.exitStatus() != QProcess::NormalExit || mpirun.exitCode() != 0);
-  EXPECT_FALSE(QFile::exists(saved));
-  EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files),
-            QStringList{QStringLiteral("ThousandBodies.ovd")});
 }
 
 }  // namespace

@@ -111,12 +111,4 @@ TEST(Examples, TheMoonKeepsCirclingTheEarthForAYear) {
   EXPECT_NEAR((earth->position - sun->position).length() / orbit, 1.0, 1e-4);
 }
 
-TEST(Examples, PlanetesimalsMergeIntoFewerBodies) {
-  World world;
-  load(world, QStringLiteral("planet-formation.ovd"));
-  const int before = world.bodies->count();
-  takeSteps(world, 2000);
-  EXPECT_LT(world.bodies->count(), before - 5);
-}
-
 }  // namespace

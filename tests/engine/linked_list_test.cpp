@@ -72,25 +72,6 @@ TEST(LinkedList, InsertBeforeKeepsBothDirectionsConsistent) {
   EXPECT_EQ(list.count(), 4);
 }
 
-// Clearing deletes every item from head to tail; an append then makes its
-// node both head and tail again.
-TEST(LinkedList, ClearDeletesEveryItemInOrderAndAppendStartsAfresh) {
-  std::vector<int> deleted;
-  LinkedList list;
-  list.clear();
-  EXPECT_TRUE(deleted.empty());
-  for (int i = 0; i < 4; ++i)
-    list.append(new ListNode(new Tracked(i, deleted)));
-  list.clear();
-  EXPECT_EQ(deleted, (std::vector<int>{0, 1, 2, 3}));
-  EXPECT_EQ(list.count(), 0);
-  EXPECT_EQ(list.head(), nullptr);
-  auto* node = new ListNode(new Tracked(4, deleted));
-  list.append(node);
-  EXPECT_TRUE(list.head() == node && list.tail() == node && !node->prev && !node->next);
-  EXPECT_EQ(list.count(), 1);
-}
-
 TEST(LinkedList, DestroyingAListOfBodiesNotifiesEachInListOrder) {
   RecordingObserver observer;
   {

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <numbers>
 
 #include "engine/vector.h"
 #include "test_support.h"
@@ -55,14 +54,6 @@ TEST(Vector, GuardedDivisionsDifferBetweenReturningAndInPlace) {
   Vector v = vec(3, 6, 9);
   v /= 3.0;
   expectVector(v, 1, 2, 3);
-}
-
-TEST(Vector, AngleHelpersUseTheShortFactor) {
-  EXPECT_EQ(degToRad(57.2957795), 1.0);
-  EXPECT_EQ(radToDeg(1.0), 57.2957795);
-  // The short factor differs from 180/pi by about 2.3e-10 relative.
-  EXPECT_NE(degToRad(180.0), std::numbers::pi);
-  EXPECT_NEAR(degToRad(180.0) / std::numbers::pi, 1.0, 3e-10);
 }
 
 }  // namespace

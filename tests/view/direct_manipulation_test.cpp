@@ -1,5 +1,3 @@
-#include <GL/glu.h>
-
 #include <QKeyEvent>
 #include <QtTest/QTest>
 
@@ -27,40 +25,6 @@ class DirectManipulation : public ViewFixture {
   }
 };
 
-// The pixel geometry of the drags is OpenGL's own: gluProject with the
-// matrices of the frame just drawn lands where projectToView says, and the
-// pointer's ray passes through the point it came from.
-TEST_F(DirectManipulation, PixelGeometryIsTheFramesOwn) {
-  for (const QSize size : {QSize(400, 250), QSize(250, 400)}) {
-    OrrenvaleGL& gl = openView(size.width(), size.height());
-    View& v = *gl.view();
-    v.cameraPosition = Vector::of(50, 120, 300);
-    v.cameraFocus = Vector::of(10, -20, 5);
-    v.trackball->rotation.setRollPitchYaw(0.3, -0.5, 0.2);
-    gl.captureView();
-    gl.makeCurrent();
-    GLdouble model[16], projection[16];
-    GLint viewport[4];
-    glGetDoublev(GL_MODELVIEW_MATRIX, model);
-    glGetDoublev(GL_PROJECTION_MATRIX, projection);
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    const Vector p = Vector::of(-30, 40, 25);
-    GLdouble wx = 0, wy = 0, wz = 0;
-    ASSERT_TRUE(gluProject(p.x, p.y, p.z, model, projection, viewport, &wx, &wy, &wz));
-    gl.doneCurrent();
-    const std::optional<PixelPoint> at = projectToView(v, p);
-    ASSERT_TRUE(at);
-    // The frustum and the matrices are single precision inside OpenGL:
-    // within a thousandth of a pixel.
-    EXPECT_NEAR(at->x, wx, 1e-3);
-    EXPECT_NEAR(at->yTop, viewport[3] - wy, 1e-3);
-    const std::optional<Ray> ray = pointerRay(v, at->x, at->yTop);
-    ASSERT_TRUE(ray);
-    const Vector d = p - ray->origin;
-    EXPECT_LT(cross(d, ray->direction).length() / (d.length() * ray->direction.length()), 1e-9);
-  }
-}
-
 struct PlaneCase {
   const char* name;
   int panType;
@@ -71,15 +35,18 @@ struct PlaneCase {
 class ShiftDrag : public DirectManipulation, public ::testing::WithParamInterface<PlaneCase> {};
 
 // The body follows the pointer in the pan plane through the grabbed point:
-// it ends under the pointer, and the component across the plane keeps its
-// bits. The drag is reported once, when it ends.
+// it ends under the pointer (where OpenGL's own picking in a wide, turned
+// view finds it), and the component across the plane keeps its bits. The
+// drag is reported once, when it ends.
 TEST_P(ShiftDrag, MovesTheBodyInThePanPlaneOnly) {
   const PlaneCase c = GetParam();
   host.panType_ = c.panType;
   Body* body = addBody(Vector::of(20, 10, 5), 15.0, 1.0f, 0.0f, 0.0f);
   const Vector start = body->position;
-  OrrenvaleGL& gl = openView(300, 300);
+  OrrenvaleGL& gl = openView(360, 240);
   gl.view()->cameraPosition = c.camera;
+  gl.view()->trackball->rotation.setRollPitchYaw(0.3, -0.5, 0.2);
+  const double turned = gl.view()->trackball->rotation.w;
   gl.captureView();
   const QPointF from = pixelOf(gl, start);
   const QPointF to = from + QPointF(30, -25);
@@ -88,7 +55,7 @@ TEST_P(ShiftDrag, MovesTheBodyInThePanPlaneOnly) {
   EXPECT_EQ(axis(body->position, c.fixedAxis), axis(start, c.fixedAxis));
   EXPECT_FALSE(sameBits(body->position, start));
   EXPECT_EQ(gl.view()->selectedBodyID, body->id);
-  EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
+  EXPECT_EQ(gl.view()->trackball->rotation.w, turned);
   gl.captureView();
   EXPECT_EQ(gl.pick(to.x(), to.y()), body->id);
   ASSERT_EQ(host.drags.size(), 1u);

@@ -62,19 +62,20 @@ struct CameraDragCase {
 class InputCameraDrag : public ViewFixture, public ::testing::WithParamInterface<CameraDragCase> {};
 
 // A right drag, and a Ctrl-left drag (a right-button press), neither selects
-// nor turns the scene: one move 40 pixels down in a view 200 high move the camera 1%
-// of the distance 400 away from the scene, with the factor narrowed to
-// single precision (relative 6e-8).
+// nor turns the scene. Each move takes the camera by the whole travel since
+// the press, 1% of the distance 400 per 40 pixels in a view 200 high: moves of
+// 8, 16, 24, 32 and 40 pixels down add up to 3%, away from the scene. The
+// factor is narrowed to single precision (relative 6e-8).
 TEST_P(InputCameraDrag, MovesTheCameraWithoutSelectingOrTurning) {
   const Body* body = addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
   OrrenvaleGL& gl = openView(300, 200);
   gl.view()->selectedBodyID = body->id;
   gl.captureView();
-  drag(gl, GetParam().button, QPointF(10, 100), QPointF(60, 140), GetParam().modifiers, 1);
+  drag(gl, GetParam().button, QPointF(10, 100), QPointF(60, 140), GetParam().modifiers);
   EXPECT_EQ(gl.view()->selectedBodyID, body->id);
   EXPECT_EQ(gl.view()->trackball->rotation.w, 1.0);
-  EXPECT_NEAR(gl.view()->cameraPosition.z, 404.0, 1e-4);
-  EXPECT_NEAR(gl.view()->cameraFocus.z, 4.0, 1e-4);
+  EXPECT_NEAR(gl.view()->cameraPosition.z, 412.0, 1e-4);
+  EXPECT_NEAR(gl.view()->cameraFocus.z, 12.0, 1e-4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Buttons, InputCameraDrag,
@@ -179,15 +180,6 @@ TEST_F(Commands, PanAndZoomCommandsMoveTheCamera) {
   EXPECT_NEAR(v.cameraPosition.z, 396.0, 1e-12);
 }
 
-TEST_F(Commands, ViewsAreNamedFromTheWorldsViewCounter) {
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 0");
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 1");
-  views.pop_back();
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 2");
-  world().reset();
-  EXPECT_STREQ(openView(100, 100).view()->name, "View 0");
-}
-
 using Redraw = ViewFixture;
 
 // 24 frames a second; half a second gives about 12. The window stands apart
@@ -196,7 +188,6 @@ using Redraw = ViewFixture;
 TEST_F(Redraw, TimerDrawsContinuouslyAndPausesWhileADialogIsModal) {
   OrrenvaleGL& gl = openView(200, 200);
   gl.move(900, 700);
-  EXPECT_NEAR(OrrenvaleGL::kRedrawInterval, 0.0416666679084301, 1e-16);
   QSignalSpy frames(&gl, &QOpenGLWidget::frameSwapped);
   ASSERT_TRUE(QTest::qWaitFor([&] { return frames.count() >= 6; }, 5000));
 

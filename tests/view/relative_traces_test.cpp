@@ -54,7 +54,7 @@ class RelativeTraces : public ViewFixture {
   Body* earth = nullptr;
 };
 
-TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToIt) {
+TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToItAndCanBeHidden) {
   // Looks down on the orbit from 28 units above the sun: 400 pixels span
   // 2 * 28 * tan(22.5 degrees) = 23.2 units, 17.2 pixels a unit.
   OrrenvaleGL& gl = openView(400, 400);
@@ -80,6 +80,8 @@ TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToIt) {
   // start, 14 units (240 pixels) away.
   gl.view()->traceReference = TraceReference::World;
   EXPECT_GT(traceDistances(gl.captureView()).second, 200.0);
+  gl.view()->showTraceLines = false;
+  EXPECT_EQ(countPixels(gl.captureView(), moonTrace), 0);
 
   const QByteArray dir = qgetenv("ORRENVALE_SCREENSHOTS");
   if (!dir.isEmpty()) {

@@ -10,11 +10,10 @@
 
 namespace {
 
-// Without gravity a ship and its escort move side by side at (1, 0, 0),
-// the escort 2 units above, while a buoy of twice their mass
-// stays 10 units below the start. Relative to
-// the ship, every escort point is 2 units above the ship's current place;
-// in the world they lie along a line, one unit apart.
+// Without gravity a ship and its escort move side by side at (1, 0, 0), the
+// escort 2 units above, while a buoy of twice their mass stays 10 units below
+// the start. Relative to the ship, every escort point is 2 units above the
+// ship's current place; in the world they lie along a line, one unit apart.
 class TraceShiftsTest : public ::testing::Test {
  protected:
   void SetUp() override {
