@@ -61,8 +61,8 @@ TEST_P(MovieEncoding, EveryFrameComesBackInOrderAtThePaddedSize) {
   // block is that of the recording test, where it is explained; with every
   // edge between colour samples only the codec's loss is left (6 levels).
   for (int i : {0, kFrames - 1}) {
-    const QImage decoded = decodeFrame(path, i, picture);
-    ASSERT_FALSE(decoded.isNull());
+    const QImage decoded = decodeFrame(path, i);
+    ASSERT_EQ(decoded.size(), picture);
     const FrameDifference d = compareFrames(decoded, testPicture(c.size, i));
     EXPECT_LT(d.worstBlock, 12.0) << "frame " << i;
     // The padding repeats the blue band at the edge.
@@ -87,8 +87,8 @@ TEST(MovieEncoder, FrameOfAnotherSizeIsFittedOnBlack) {
   narrow.fill(QColor(230, 40, 30));
   ASSERT_TRUE(encoder.addFrame(narrow));
   ASSERT_TRUE(encoder.finish());
-  const QImage decoded = decodeFrame(path, 0, QSize(320, 240));
-  ASSERT_FALSE(decoded.isNull());
+  const QImage decoded = decodeFrame(path, 0);
+  ASSERT_EQ(decoded.size(), QSize(320, 240));
   EXPECT_LT(qRed(decoded.pixel(40, 120)), 30);
   EXPECT_GT(qRed(decoded.pixel(160, 120)), 200);
   EXPECT_LT(qRed(decoded.pixel(280, 120)), 30);

@@ -46,20 +46,12 @@ inline ProbedMovie probeMovie(const QString& path) {
           fields[3].toInt()};
 }
 
-// Frame `index` (from 0) of the movie in 8-bit RGB, as ffmpeg decodes and
-// converts it by the colour description the movie carries.
-inline QImage decodeFrame(const QString& path, int index, QSize pictureSize) {
-  const QByteArray rgb = runFfmpegTool(
+// Frame `index` (from 0) of the movie, as ffmpeg decodes and converts it by
+// the colour description the movie carries.
+inline QImage decodeFrame(const QString& path, int index) {
+  return QImage::fromData(runFfmpegTool(
       "ffmpeg", {"-v", "error", "-i", path, "-vf", QString("select=eq(n\\,%1)").arg(index),
-                 "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"});
-  const int w = pictureSize.width();
-  const int h = pictureSize.height();
-  if (rgb.size() != qsizetype{3} * w * h) {
-    ADD_FAILURE() << "decoded " << rgb.size() << " bytes for a " << w << "x" << h << " frame";
-    return {};
-  }
-  return QImage(reinterpret_cast<const uchar*>(rgb.constData()), w, h, 3 * w, QImage::Format_RGB888)
-      .copy();
+                 "-frames:v", "1", "-f", "image2pipe", "-vcodec", "png", "-"}));
 }
 
 // How far a decoded frame is from the picture it was made from, over the

@@ -61,6 +61,24 @@ TEST(Collisions, MergeConservesMassMomentumAndVolumeAndMixesColourByVolume) {
     EXPECT_NEAR(m->color[c], ca[c] * va + cb[c] * (1 - va), 1e-7) << c;
 }
 
+TEST(Collisions, HeadOnMergeKeepsTheWorldsAngularMomentum) {
+  World world;
+  // A third body far away gives the world an angular momentum; the merging
+  // pair moves along the line through its centres, so it has no angular
+  // momentum about its own centroid to lose.
+  addBody(world, vec(40, 3, 0), vec(0, 0.7, 0.2), 2.0, 0.5);
+  addBody(world, vec(0.3, 0.1, 0), vec(-1.2, -0.4, 0), 3.0, 0.7);
+  addBody(world, vec(-0.6, -0.2, 0), vec(2.4, 0.8, 0), 0.45, 0.6);
+  const Vector before = world.angularMomentum();
+  ASSERT_TRUE(world.collide());
+  ASSERT_EQ(world.bodies->count(), 2);
+  const Vector after = world.angularMomentum();
+  // Mass-weighted means of a few terms: rounding of order 1e-16 of the
+  // largest term (|L| is about 40 here).
+  EXPECT_NEAR((after - before).length(), 0, 1e-13);
+  EXPECT_GT(std::fabs(before.z), 1.0);
+}
+
 class Rebound : public ::testing::TestWithParam<double> {};
 
 TEST_P(Rebound, KeepsMomentumAndScalesTheNormalRelativeVelocityByMinusE) {

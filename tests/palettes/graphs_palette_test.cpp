@@ -157,10 +157,9 @@ TEST_F(GraphsPalette, PlotChoiceHidesItsPlot) {
   EXPECT_FALSE(plot->isVisible());
 }
 
-// Two years of the inner solar system as the palette shows them, with the
-// pointer over the plots: the Earth stays between its perihelion and
-// aphelion (0.983 and 1.017 AU) from the Sun.
-TEST_F(GraphsPalette, PictureInUse) {
+// Two years of the inner solar system as the palette shows them: the Earth stays between its
+// perihelion and aphelion (0.983 and 1.017 AU) from the Sun.
+TEST_F(GraphsPalette, EarthStaysBetweenPerihelionAndAphelionFromTheSun) {
   const DocumentReadResult read =
       readDocumentFile(QStringLiteral(ORRENVALE_EXAMPLES_DIR "/inner-solar-system.ovd"));
   ASSERT_TRUE(read.dict.has_value());
@@ -174,11 +173,6 @@ TEST_F(GraphsPalette, PictureInUse) {
   const std::vector<double>& d = palette.history().values(GraphSeries::Distance);
   EXPECT_GT(*std::min_element(d.begin(), d.end()), 0.98);
   EXPECT_LT(largest(GraphSeries::Distance), 1.02);
-  for (const char* name : {"errorsPlot", "distancePlot"}) {
-    auto* plot = palette.window()->findChild<PlotWidget*>(QLatin1String(name));
-    QTest::mouseMove(plot, QPoint(plot->width() * 2 / 3, plot->height() / 2));
-  }
-  screenshot(palette.window(), "graphs-inner-solar-system");
 }
 
 }  // namespace

@@ -196,16 +196,6 @@ inline bool waitForRefreshes(const QObject& palette, int n = 2) {
   return QTest::qWaitFor([&] { return ticks.count() >= n; }, 5000);
 }
 
-// Saves a picture of a palette in use when ORRENVALE_SCREENSHOTS names a
-// directory; tests run without it in CI.
-inline void screenshot(QWidget* window, const char* name) {
-  const QByteArray dir = qgetenv("ORRENVALE_SCREENSHOTS");
-  if (!dir.isEmpty()) {
-    window->grab().save(QString::fromLocal8Bit(dir) + QLatin1Char('/') + QLatin1String(name) +
-                        QStringLiteral(".png"));
-  }
-}
-
 // A palette on a test host whose toggles all reach it, with a view record
 // and a stand-in view window the palette may be given (host.view).
 template <typename Palette>

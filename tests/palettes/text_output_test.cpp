@@ -84,7 +84,6 @@ TEST_F(TextOutput, LongLogKeepsTheViewSmallAndLosesNothing) {
         return !shown.isEmpty() && shown.back().startsWith(QString::fromStdString(newest));
       },
       2000));
-  screenshot(palette.window(), "text_palette");
   EXPECT_EQ(palette.lineCount(), kSteps);
   EXPECT_LE(viewtext()->blockCount(), 600);  // 256 KB of lines cut to 512 bytes
   for (const QString& line : viewtext()->toPlainText().split('\n'))

@@ -96,3 +96,12 @@ def test_state_of_other_bodies_is_refused():
         w.set_state(**s)
     with pytest.raises(TypeError, match="unknown state array"):
         w.set_state(spins=np.zeros(2))
+
+
+def test_bad_numbers_in_arrays_follow_the_engines_guarded_arithmetic():
+    w = random_world(5)
+    w.masses = [np.nan, np.inf, -1.0, 0.0, 1e300]
+    w.positions = np.where(np.eye(5, 3) > 0, np.nan, w.positions)
+    assert w.step(20) == 20
+    assert len(w) <= 5
+    assert w.elapsed_time == sum([w.time_step] * 20)

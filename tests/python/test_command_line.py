@@ -14,6 +14,7 @@ REBOUND = str(ROOT / "examples" / "rebound.ovd")
 CASES = {
     "log-and-save-files": ["-n", "100", "--log", "{tmp}/log", "--save", "{tmp}/out.ovd", REBOUND],
     "log-and-summary": ["-n", "200", "--log", "-", "--summary", FIGURE_EIGHT],
+    "exact-log": ["--exact", "--log=-", "-n50", REBOUND],
     "no-steps": ["-n", "0", "--summary", "--", FIGURE_EIGHT],
     "help": ["--help"],
     "unknown-option": ["--bogus", FIGURE_EIGHT],
@@ -44,3 +45,9 @@ def test_closed_pipe_ends_the_run_as_the_runner_does(batch):
             p.stdout.close()
             endings.append((p.wait(), p.stderr.read()))
     assert endings == [(1, b"orrenvale-batch: -: cannot be written (Broken pipe)\n")] * 2
+
+
+def test_progress_goes_to_standard_error():
+    status, out, err = run_module(["--progress", "-n", "50", FIGURE_EIGHT])
+    assert (status, out) == (0, b"")
+    assert b"50/50 steps" in err

@@ -82,11 +82,6 @@ TEST_F(RelativeTraces, TheMoonsTraceIsARingAroundTheEarthOnlyRelativeToItAndCanB
   EXPECT_GT(traceDistances(gl.captureView()).second, 200.0);
   gl.view()->showTraceLines = false;
   EXPECT_EQ(countPixels(gl.captureView(), moonTrace), 0);
-
-  const QByteArray dir = qgetenv("ORRENVALE_SCREENSHOTS");
-  if (!dir.isEmpty()) {
-    relative.save(QString::fromLocal8Bit(dir) + QStringLiteral("/moon-relative-to-earth.png"));
-  }
 }
 
 }  // namespace
