@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
+#include <QTest>
 
 #include "batch_test_support.h"
 #include "document/plist_writer.h"
@@ -166,6 +171,36 @@ TEST_F(Job, FailureEndsEveryProcessWithOneMessage) {
     EXPECT_EQ(job.err.count('\n'), 1) << job.err.toStdString();
     EXPECT_TRUE(job.out.isEmpty());
   }
+}
+
+// mpirun ends the whole job when one process dies; the datafile that --save
+// names is written only after the last step and through a temporary file, so
+// nothing is left in its place.
+TEST_F(Job, KilledProcessEndsTheJobAndLeavesNoSave) {
+  const QString world = writeWorld(kWorlds[4]);
+  const QString saved = path(QStringLiteral("saved.ovd"));
+  QProcess mpirun;
+  mpirun.setProcessEnvironment(jobEnvironment());
+  mpirun.start(MPIEXEC, jobArgs(2, {"-n", "100000", "--progress", "--save", saved, world}));
+  ASSERT_TRUE(mpirun.waitForStarted());
+  // Mid-run: both processes are there and the first reports its progress.
+  QStringList children;
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] {
+        const QString tasks = QStringLiteral("/proc/%1/task").arg(mpirun.processId());
+        children.clear();
+        for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+          QFile file(tasks + '/' + task + QStringLiteral("/children"));
+          if (file.open(QIODevice::ReadOnly))
+            children += QString::fromLatin1(file.readAll()).split(' ', Qt::SkipEmptyParts);
+        }
+        return children.size() == 2 && !mpirun.readAllStandardError().isEmpty();
+      },
+      60000));
+  ASSERT_EQ(::kill(children.last().toInt(), SIGKILL), 0);
+  ASSERT_TRUE(mpirun.waitForFinished(60000));
+  EXPECT_TRUE(mpirun.exitStatus() != QProcess::NormalExit || mpirun.exitCode() != 0);
+  EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files), QStringList{"ThousandBodies.ovd"});
 }
 
 }  // namespace
