@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <QMenuBar>
 #include <algorithm>
+#include <utility>
 
 #include "app_menus.h"
 #include "controller.h"
@@ -93,24 +94,20 @@ void Controller::handleViewKeyCommands(QAction* sender) {
     return;
   }
   const AppMenus& m = *menus_;
-  if (sender == m.menuDeleteThis) {
-    view->keyDelete();
-  } else if (sender == m.menuPanDown) {
-    view->keyPanDown();
-  } else if (sender == m.menuPanUp) {
-    view->keyPanUp();
-  } else if (sender == m.menuPanRight) {
-    view->keyPanRight();
-  } else if (sender == m.menuPanLeft) {
-    view->keyPanLeft();
-  } else if (sender == m.menuSelectNext) {
-    view->keySelectNext();
-  } else if (sender == m.menuSelectPrev) {
-    view->keySelectPrev();
-  } else if (sender == m.menuZin) {
-    view->keyZoomIn();
-  } else if (sender == m.menuZout) {
-    view->keyZoomOut();
+  const std::pair<QAction*, void (OrrenvaleGL::*)()> commands[] = {
+      {m.menuDeleteThis, &OrrenvaleGL::keyDelete},
+      {m.menuPanDown, &OrrenvaleGL::keyPanDown},
+      {m.menuPanUp, &OrrenvaleGL::keyPanUp},
+      {m.menuPanRight, &OrrenvaleGL::keyPanRight},
+      {m.menuPanLeft, &OrrenvaleGL::keyPanLeft},
+      {m.menuSelectNext, &OrrenvaleGL::keySelectNext},
+      {m.menuSelectPrev, &OrrenvaleGL::keySelectPrev},
+      {m.menuZin, &OrrenvaleGL::keyZoomIn},
+      {m.menuZout, &OrrenvaleGL::keyZoomOut}};
+  for (const auto& [item, command] : commands) {
+    if (sender == item) {
+      (view->*command)();
+    }
   }
 }
 
