@@ -5,6 +5,7 @@ import pathlib
 import subprocess
 import sys
 
+import numpy as np
 import pytest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -40,8 +41,7 @@ def run_module(args, **kwargs):
 def two_body_world():
     """Two unit masses at (+-1, 0, 0) orbiting each other, G = 1."""
     w = orrenvale.World()
-    w.gravitational_constant = 1.0
-    w.time_step = 0.01
+    w.gravitational_constant, w.time_step = 1.0, 0.01
     w.add_body(name="East", position=(1, 0, 0), velocity=(0, 0.5, 0), radius=0.1)
     w.add_body(name="West", position=(-1, 0, 0), velocity=(0, -0.5, 0), radius=0.1)
     return w
@@ -49,8 +49,6 @@ def two_body_world():
 
 def random_world(n, seed=1):
     """n bodies in a ball of radius 100 with small random velocities."""
-    import numpy as np
-
     rng = np.random.default_rng(seed)
     w = orrenvale.World()
     w.gravitational_constant = 1.0
