@@ -13,6 +13,7 @@
 #include "document/long_step.h"
 #include "document/world_document.h"
 #include "engine/world.h"
+#include "engine/world_fields.h"
 #include "opengl_check.h"
 #include "orrenvale_gl_window_controller.h"
 #include "palettes/body_window_controller.h"

@@ -1,5 +1,7 @@
 #include "design_history.h"
 
+#include "engine/body_fields.h"
+
 #include <QAction>
 #include <memory>
 
@@ -107,10 +109,10 @@ void DesignHistory::commitWorldEdit(const std::function<void()>& apply) {
     apply();
     return;
   }
-  const WorldParameters before = WorldParameters::of(model_.world);
+  const FieldValues before = worldParameters(model_.world);
   apply();
-  const WorldParameters after = WorldParameters::of(model_.world);
-  if (changedWorldFields(before, after) != 0) {
+  const FieldValues after = worldParameters(model_.world);
+  if (changedFields(before, after) != 0) {
     stack_.push(new WorldEditCommand(model_, before, after));
   }
 }
@@ -123,8 +125,9 @@ void DesignHistory::bodyDragged(const BodyDrag& drag) {
   const bool move = drag.kind == BodyDrag::Kind::Move;
   BodyState after = BodyState::of(*body);
   BodyState before = after;
-  (move ? before.position : before.velocity) = drag.before;
-  (move ? after.position : after.velocity) = drag.after;
+  const std::size_t row = fieldRow(bodyFields(), move ? &Body::position : &Body::velocity);
+  before.values[row] = drag.before;
+  after.values[row] = drag.after;
   if (changedBodyFields(before, after) != 0) {
     stack_.push(
         new BodyEditCommand(model_, before, after,

@@ -16,7 +16,7 @@
 #include "palettes/panels.h"
 #include "view/orrenvale_gl.h"
 #include "view/view.h"
-#include "view_state.h"
+#include "view/view_fields.h"
 #include "view_window_registry.h"
 
 namespace {
@@ -72,9 +72,8 @@ void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodie
       if (const PlistDict* viewDict = entry.value.dict()) {
         extras = applyViewDict(*v, *viewDict);
       }
-      if (extras.name) {
-        setWindowTitleAndMinSize(window->window(), *extras.name);
-        copyName(v->name, extras.name->toStdString());
+      if (QString::fromUtf8(v->name) != window->window()->windowTitle()) {
+        setWindowTitleAndMinSize(window->window(), QString::fromUtf8(v->name));
       }
       window->setContentSize(windowExtent(extras.width), windowExtent(extras.height));
       v->trackball->setSize(extras.width, extras.height);

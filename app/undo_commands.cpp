@@ -24,7 +24,7 @@ QString nameOf(const BodyState& state) {
 // Body-menu item takes its name through the rename.
 void restoreBody(DesignModel& model, const BodyState& state, int32_t index) {
   Body* body = model.world.insertBody(state.id, index);
-  applyBodyFields(state, kAllBodyFields, *body);
+  applyBodyFields(state, allBodyFields(), *body);
   model.renameBody(body, state.nameView());
 }
 
@@ -42,7 +42,7 @@ BodyEditCommand::BodyEditCommand(DesignModel& model, const BodyState& before,
     setText(tr("Move %1").arg(name));
   } else if (origin == Origin::Aim) {
     setText(tr("Aim %1").arg(name));
-  } else if (fields_ == kBodyName) {
+  } else if (fields_ == bodyNameField()) {
     setText(tr("Rename %1").arg(name));
   } else if (const QString field = bodyFieldTitle(fields_); !field.isEmpty()) {
     setText(tr("Change %1 of %2").arg(field, name));
@@ -57,7 +57,7 @@ void BodyEditCommand::apply(const BodyState& state) {
     return;
   }
   applyBodyFields(state, fields_, *body);
-  if (fields_ & kBodyName) {
+  if (fields_ & bodyNameField()) {
     model_.renameBody(body, state.nameView());
   }
 }
@@ -78,9 +78,9 @@ bool BodyEditCommand::mergeWith(const QUndoCommand* other) {
   return true;
 }
 
-WorldEditCommand::WorldEditCommand(DesignModel& model, const WorldParameters& before,
-                                   const WorldParameters& after)
-    : model_(model), before_(before), after_(after), fields_(changedWorldFields(before, after)) {
+WorldEditCommand::WorldEditCommand(DesignModel& model, const FieldValues& before,
+                                   const FieldValues& after)
+    : model_(model), before_(before), after_(after), fields_(changedFields(before, after)) {
   setText(worldEditTitle(fields_));
 }
 
@@ -102,7 +102,7 @@ bool WorldEditCommand::mergeWith(const QUndoCommand* other) {
     return false;
   }
   after_ = next->after_;
-  setObsolete((changedWorldFields(before_, after_) & fields_) == 0);
+  setObsolete((changedFields(before_, after_) & fields_) == 0);
   return true;
 }
 

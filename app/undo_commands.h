@@ -41,7 +41,7 @@ class BodyEditCommand : public QUndoCommand {
   DesignModel& model_;
   BodyState before_;
   BodyState after_;
-  unsigned fields_;
+  uint64_t fields_;
   Origin origin_;
 };
 
@@ -49,7 +49,7 @@ class BodyEditCommand : public QUndoCommand {
 // same parameters merge.
 class WorldEditCommand : public QUndoCommand {
  public:
-  WorldEditCommand(DesignModel& model, const WorldParameters& before, const WorldParameters& after);
+  WorldEditCommand(DesignModel& model, const FieldValues& before, const FieldValues& after);
 
   void undo() override;
   void redo() override;
@@ -58,9 +58,9 @@ class WorldEditCommand : public QUndoCommand {
 
  private:
   DesignModel& model_;
-  WorldParameters before_;
-  WorldParameters after_;
-  unsigned fields_;
+  FieldValues before_;
+  FieldValues after_;
+  uint64_t fields_;
 };
 
 // New body: the first redo creates it as the world always does; a later redo

@@ -3,146 +3,22 @@
 #include <QLatin1String>
 #include <limits>
 #include <unordered_set>
-#include <variant>
 
+#include "engine/body_fields.h"
+#include "engine/world_fields.h"
+#include "field_io.h"
 #include "plist_reader.h"
 
 namespace {
 
-// The simulation parameters: root keys and the world fields they hold, in the
-// order in which they are written. The speed is a single-precision field
-// that is read through the clock's bound.
-struct BoundedSpeed {
-  float World::*member;
-};
-using WorldSlot = std::variant<double World::*, bool World::*, int32_t World::*, BoundedSpeed,
-                               char (World::*)[kNameSize]>;
-struct WorldKey {
-  QLatin1String key;
-  WorldSlot slot;
-};
-const WorldKey kWorldKeys[] = {
-    {QLatin1String("Time step"), &World::timeStep},
-    {QLatin1String("Adaptive time stepping"), &World::adaptive},
-    {QLatin1String("Gravitational constant"), &World::gravitationalConstant},
-    {QLatin1String("Collision model"), &World::merge},
-    {QLatin1String("Coefficient of restitution"), &World::restitution},
-    {QLatin1String("Milliseconds per update"), BoundedSpeed{&World::millisecondsPerUpdate}},
-    {QLatin1String("World name"), &World::name},
-    {QLatin1String("Trace history points"), &World::traceHistoryPoints},
-};
-
-// The body dictionary: keys and the body fields they hold, in the order in
-// which they are written. Colours are single-precision fields.
-struct VectorComponent {
-  Vector Body::*vector;
-  double Vector::*component;
-};
-struct ColorComponent {
-  int index;
-};
-using BodySlot = std::variant<VectorComponent, double Body::*, ColorComponent, bool Body::*,
-                              char (Body::*)[kNameSize]>;
-struct BodyKey {
-  QLatin1String key;
-  BodySlot slot;
-};
-const BodyKey kBodyKeys[] = {
-    {QLatin1String("Position X"), VectorComponent{&Body::position, &Vector::x}},
-    {QLatin1String("Position Y"), VectorComponent{&Body::position, &Vector::y}},
-    {QLatin1String("Position Z"), VectorComponent{&Body::position, &Vector::z}},
-    {QLatin1String("Velocity X"), VectorComponent{&Body::velocity, &Vector::x}},
-    {QLatin1String("Velocity Y"), VectorComponent{&Body::velocity, &Vector::y}},
-    {QLatin1String("Velocity Z"), VectorComponent{&Body::velocity, &Vector::z}},
-    {QLatin1String("Mass"), &Body::mass},
-    {QLatin1String("Radius"), &Body::radius},
-    {QLatin1String("Color R"), ColorComponent{0}},
-    {QLatin1String("Color G"), ColorComponent{1}},
-    {QLatin1String("Color B"), ColorComponent{2}},
-    {QLatin1String("Trace enable"), &Body::traceEnable},
-    {QLatin1String("Show vectors"), &Body::showVectors},
-    {QLatin1String("Body name"), &Body::name},
-};
-
-template <typename Table>
-const auto* findKey(const Table& table, const QString& key) {
-  for (const auto& entry : table) {
-    if (entry.key == key) {
-      return &entry;
-    }
-  }
-  return static_cast<decltype(&table[0])>(nullptr);
-}
-
-// Names live in the model as UTF-8 bytes. Bytes that are not UTF-8 (typed in
-// through some other path) are written as replacement characters.
-PlistValue nameValue(const char* name) {
-  return PlistValue::string(QString::fromUtf8(name));
-}
-
-template <typename Field>
-void applyIfPresent(std::optional<Field> found, Field& field) {
-  if (found) {
-    field = *found;
-  }
-}
-
-void applyWorldKey(World& world, const WorldSlot& slot, const PlistValue& value) {
-  std::visit(
-      [&](auto member) {
-        using M = decltype(member);
-        if constexpr (std::is_same_v<M, double World::*>) {
-          applyIfPresent(value.toReal(), world.*member);
-        } else if constexpr (std::is_same_v<M, bool World::*>) {
-          applyIfPresent(value.toBool(), world.*member);
-        } else if constexpr (std::is_same_v<M, int32_t World::*>) {
-          if (const auto i = value.toInteger()) {
-            world.*member = saturateToInt32(*i);
-          }
-        } else if constexpr (std::is_same_v<M, BoundedSpeed>) {
-          // The speed goes through the clock's bound rather than straight
-          // into the world. The simulation is stopped while loading, so
-          // storing the bounded value is all the clock would do.
-          if (const auto ms = value.toReal()) {
-            world.*member.member = boundedWorldSpeed(narrowToFloat(*ms));
-          }
-        } else {
-          if (const auto text = value.toText()) {
-            copyName(world.*member, text->toUtf8().toStdString());
-          }
-        }
-      },
-      slot);
-}
-
-void applyBodyKey(Body& body, const BodySlot& slot, const PlistValue& value,
-                  const LoadHooks& hooks) {
-  std::visit(
-      [&](auto member) {
-        using M = decltype(member);
-        if constexpr (std::is_same_v<M, VectorComponent>) {
-          applyIfPresent(value.toReal(), body.*member.vector.*member.component);
-        } else if constexpr (std::is_same_v<M, double Body::*>) {
-          applyIfPresent(value.toReal(), body.*member);
-        } else if constexpr (std::is_same_v<M, ColorComponent>) {
-          if (const auto c = value.toReal()) {
-            body.color[member.index] = narrowToFloat(*c);
-          }
-        } else if constexpr (std::is_same_v<M, bool Body::*>) {
-          applyIfPresent(value.toBool(), body.*member);
-        } else {
-          if (const auto text = value.toText()) {
-            const QByteArray utf8 = text->toUtf8();
-            const std::string_view name(utf8.constData(), static_cast<std::size_t>(utf8.size()));
-            if (hooks.renameBody) {
-              hooks.renameBody(body, name);
-            } else {
-              copyName(body.*member, name);
-            }
-          }
-        }
-      },
-      slot);
+// The reset values of the world's parameters, against which the parameters
+// stored only when used are compared.
+const FieldValues& worldDefaults() {
+  static const FieldValues defaults = [] {
+    const World world;
+    return readFields(worldFields(), world);
+  }();
+  return defaults;
 }
 
 // The identifier stored for a body: the leading integer of its entry's key.
@@ -197,8 +73,21 @@ void loadBodies(World& world, const PlistValue& section, const LoadHooks& hooks)
       taken.insert(body->id);
     }
     for (const PlistEntry& field : fields->entries()) {
-      if (const BodyKey* key = findKey(kBodyKeys, field.key)) {
-        applyBodyKey(*body, key->slot, field.value, hooks);
+      const FieldKey* key = findFieldKey(bodyFields(), field.key);
+      if (key == nullptr) {
+        continue;
+      }
+      const BodyField& row = bodyFields()[key->row];
+      // A body's name goes through the host's rename, which keeps its Body
+      // menu item in step.
+      if (row.type() == FieldType::Name && hooks.renameBody) {
+        if (const auto text = field.value.toText()) {
+          const QByteArray utf8 = text->toUtf8();
+          hooks.renameBody(
+              *body, std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
+        }
+      } else {
+        readFieldKey(row, key->component, field.value, {}, *body);
       }
     }
   }
@@ -233,29 +122,12 @@ QString typeName(PlistValue::Type type) {
 }  // namespace
 
 void writeSimulationParameters(const World& world, PlistDict& dict) {
-  for (const WorldKey& entry : kWorldKeys) {
-    PlistValue value = std::visit(
-        [&](auto member) {
-          using M = decltype(member);
-          if constexpr (std::is_same_v<M, double World::*>) {
-            return PlistValue::real(world.*member);
-          } else if constexpr (std::is_same_v<M, BoundedSpeed>) {
-            // Single precision, widened.
-            return PlistValue::real(static_cast<double>(world.*member.member));
-          } else if constexpr (std::is_same_v<M, bool World::*>) {
-            return PlistValue::boolean(world.*member);
-          } else if constexpr (std::is_same_v<M, int32_t World::*>) {
-            return PlistValue::integer(world.*member);
-          } else {
-            return nameValue(world.*member);
-          }
-        },
-        entry.slot);
-    dict.insert(entry.key, std::move(value));
-  }
+  writeFieldsToDict(worldFields(), worldDefaults(), dict, world);
 }
 
 void writeBodies(const World& world, PlistDict& dict) {
+  // Every body field is always stored: no defaults are compared.
+  static const FieldValues none;
   PlistDict bodies;
   forEachItem<Body>(*world.bodies, [&](const Body& body) {
     // A body merged into another waits inactive for its removal; it is no
@@ -264,25 +136,7 @@ void writeBodies(const World& world, PlistDict& dict) {
       return;
     }
     PlistDict fields;
-    for (const BodyKey& entry : kBodyKeys) {
-      PlistValue value = std::visit(
-          [&](auto member) {
-            using M = decltype(member);
-            if constexpr (std::is_same_v<M, VectorComponent>) {
-              return PlistValue::real(body.*member.vector.*member.component);
-            } else if constexpr (std::is_same_v<M, double Body::*>) {
-              return PlistValue::real(body.*member);
-            } else if constexpr (std::is_same_v<M, ColorComponent>) {
-              return PlistValue::real(static_cast<double>(body.color[member.index]));
-            } else if constexpr (std::is_same_v<M, bool Body::*>) {
-              return PlistValue::boolean(body.*member);
-            } else {
-              return nameValue(body.*member);
-            }
-          },
-          entry.slot);
-      fields.insert(entry.key, std::move(value));
-    }
+    writeFieldsToDict(bodyFields(), none, fields, body);
     bodies.insert(QString::number(body.id), PlistValue(std::move(fields)));
   });
   dict.insert(kBodiesKey, PlistValue(std::move(bodies)));
@@ -310,8 +164,12 @@ void loadToWorldFromDict(World& world, const PlistDict* dict, DocumentSections s
   }
   for (const PlistEntry& entry : dict->entries()) {
     if (sections.sim) {
-      if (const WorldKey* key = findKey(kWorldKeys, entry.key)) {
-        applyWorldKey(world, key->slot, entry.value);
+      if (const FieldKey* key = findFieldKey(worldFields(), entry.key)) {
+        readFieldKey(worldFields()[key->row], key->component, entry.value,
+                     hooks.unknownChoice
+                         ? [&](const QString& text) { hooks.unknownChoice(entry.key, text); }
+                         : std::function<void(const QString&)>(),
+                     world);
         continue;
       }
     }
@@ -321,16 +179,6 @@ void loadToWorldFromDict(World& world, const PlistDict* dict, DocumentSections s
       hooks.loadViews(entry.value);
     }
   }
-}
-
-float boundedWorldSpeed(float milliseconds) {
-  if (static_cast<double>(milliseconds) > 0.01) {
-    return milliseconds;
-  }
-  if (milliseconds == 0.0f) {
-    return 0.0f;
-  }
-  return 0.01f;
 }
 
 namespace {

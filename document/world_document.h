@@ -28,10 +28,15 @@ struct LoadHooks {
   // Receives the value of "Views" when views are loaded, at the point of the
   // root's enumeration where the key occurs. The GUI opens its windows here.
   std::function<void(const PlistValue& views)> loadViews;
+  // Hears of a parameter whose text names none of its choices (an
+  // "Integrator" this program does not know); the parameter keeps its reset
+  // value.
+  std::function<void(const QString& key, const QString& text)> unknownChoice;
 };
 
-// The eight simulation parameters, added to the dictionary in their fixed
-// order. Single-precision fields are widened to double.
+// The simulation parameters, added to the dictionary in their fixed order
+// (those added since the first datafiles only when used). Single-precision
+// fields are widened to double.
 void writeSimulationParameters(const World& world, PlistDict& dict);
 
 // Adds "Bodies": one body dictionary per active body, in list order, under the
@@ -50,11 +55,6 @@ PlistDict saveWorldToDict(const World& world, DocumentSections sections,
 // or text value, or leaves the field as it is when it has none.
 void loadToWorldFromDict(World& world, const PlistDict* dict, DocumentSections sections,
                          const LoadHooks& hooks = {});
-
-// The bound that the simulation clock puts on milliseconds per update: above
-// 0.01 as given, exactly 0 stays 0 (run as fast as possible), anything else
-// (negative and NaN included) becomes 0.01.
-float boundedWorldSpeed(float milliseconds);
 
 // The outcome of reading a datafile: its root dictionary, or why there is
 // none.

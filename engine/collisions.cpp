@@ -2,6 +2,8 @@
 
 #include "distributed_passes.h"
 #include "fast_pass.h"
+#include "scalar_ops.h"
+#include "touch_test.h"
 #include "world.h"
 
 namespace {
@@ -65,8 +67,8 @@ bool World::mayTouchFromRows(int begin, int end) {
 bool World::collidePlain() {
   bool found = false;
   forEachActivePair(*bodies, [&](Body& bi, Body& bj) {
-    const double d = (bi.position - bj.position).length();
-    if (bi.radius + bj.radius >= d) {
+    const Vector d = bi.position - bj.position;
+    if (touching<ScalarOps>(d.x, d.y, d.z, bi.radius + bj.radius)) {
       found = true;
       if (merge) {
         mergeInto(bi, bj);

@@ -22,6 +22,7 @@
 
 #include "kernels.h"
 #include "pair_force.h"
+#include "touch_test.h"
 
 namespace {
 
@@ -116,8 +117,8 @@ void triangle(const PackedBodies& b, int begin, int end) {
   }
 }
 
-// The touch test of the collision pass, length(p_i - p_j) <= r_i + r_j, for
-// every pair with i in the rows and j after i.
+// The touch test of the collision pass (touch_test.h) for every pair with i in
+// the rows and j after i.
 template <typename S>
 bool anyTouching(const PackedBodies& b, int rowBegin, int rowEnd) {
   using V = typename S::V;
@@ -131,10 +132,9 @@ bool anyTouching(const PackedBodies& b, int rowBegin, int rowEnd) {
       const V dx = S::sub(xi, S::load(b.x + j));
       const V dy = S::sub(yi, S::load(b.y + j));
       const V dz = S::sub(zi, S::load(b.z + j));
-      const V d = S::sqrt(S::add(S::add(S::mul(dx, dx), S::mul(dy, dy)), S::mul(dz, dz)));
       const V reach = S::add(ri, S::load(b.m + j));
       const int lanes = b.count - j < W ? b.count - j : W;
-      if (S::any(S::both(S::firstLanes(lanes), S::greaterOrEqual(reach, d)))) {
+      if (S::any(S::both(S::firstLanes(lanes), touching<S>(dx, dy, dz, reach)))) {
         return true;
       }
     }

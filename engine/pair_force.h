@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cmath>
-
+#include "scalar_ops.h"
 #include "tolerance.h"
 
 // The gravitational force of one pair of bodies, written once for every pass
@@ -35,17 +34,3 @@ inline PairForce<Ops> pairForce(typename Ops::V dx, typename Ops::V dy, typename
   return {Ops::mul(s, Ops::div(dx, l)), Ops::mul(s, Ops::div(dy, l)), Ops::mul(s, Ops::div(dz, l)),
           Ops::greater(Ops::abs(l), Ops::set1(kEngineTolerance))};
 }
-
-// The arithmetic of pairForce on plain doubles.
-struct ScalarOps {
-  using V = double;
-  using M = bool;
-  static V set1(double s) { return s; }
-  static V add(V a, V b) { return a + b; }
-  static V mul(V a, V b) { return a * b; }
-  static V div(V a, V b) { return a / b; }
-  static V sqrt(V a) { return std::sqrt(a); }
-  static V abs(V a) { return std::fabs(a); }
-  // False when either side is not a number.
-  static M greater(V a, V b) { return a > b; }
-};

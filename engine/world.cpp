@@ -21,17 +21,7 @@ void World::reset() {
   bodies = new LinkedList;
   tracePoints = new LinkedList;
   traceFrames.clear();
-  elapsedTime = 0.0;
-  traceHistoryPoints = kDefaultTraceHistoryPoints;
-  timeStep = kDefaultTimeStep;
-  gravitationalConstant = kDefaultGravitationalConstant;
-  restitution = 1.0;
-  adaptive = false;
-  merge = true;
-  nextBodyId = kFirstBodyId;
-  nextViewNumber = kFirstViewNumber;
-  setName("Default world");
-  millisecondsPerUpdate = 0.0f;
+  static_cast<WorldValues&>(*this) = WorldValues();
 }
 
 Body* World::createBody() {

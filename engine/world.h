@@ -32,11 +32,16 @@ class StepMonitor {
   virtual bool keepGoing(const StepProgress& progress) = 0;
 };
 
-// The one simulation the application holds: bodies, trace points, parameters,
-// elapsed time and the counters that number bodies and views. The host owns
-// time: the world only moves when step() is called.
-class World {
- public:
+// How the world's bodies are moved from one step to the next.
+enum class Integrator : int32_t { RK4, Leapfrog, WisdomHolman, GaussRadau };
+// How the forces of a step are summed: every pair exactly, or by a tree that
+// takes distant groups of bodies as one.
+enum class Gravity : int32_t { Exact, Tree };
+
+// The world's values apart from its lists, each with its reset value: the
+// one place where they are written. Construction and every reset give the
+// world these.
+struct WorldValues {
   // Defaults are single-precision constants widened to double.
   static constexpr double kDefaultTimeStep = 0.009999999776482582;
   static constexpr double kDefaultGravitationalConstant = 6.672590258105515e-11;
@@ -44,6 +49,34 @@ class World {
   static constexpr int32_t kFirstBodyId = 100;
   static constexpr int32_t kFirstViewNumber = 100;
 
+  double elapsedTime = 0.0;
+  int32_t traceHistoryPoints = kDefaultTraceHistoryPoints;
+  double timeStep = kDefaultTimeStep;
+  double gravitationalConstant = kDefaultGravitationalConstant;
+  double restitution = 1.0;
+  bool adaptive = false;
+  bool merge = true;
+  int32_t nextBodyId = kFirstBodyId;
+  int32_t nextViewNumber = kFirstViewNumber;
+  char name[kNameSize] = "Default world";
+  float millisecondsPerUpdate = 0.0f;
+  // The integrator, the tolerance of the adaptive Gauss-Radau integrator,
+  // and the order of the Wisdom-Holman map's symplectic correctors (0: none).
+  Integrator integrator = Integrator::RK4;
+  double integratorAccuracy = 1e-9;
+  int32_t symplecticCorrectors = 0;
+  // The force sum, the tree's opening angle, and the Plummer softening
+  // length (0: Newton's law unsoftened).
+  Gravity gravity = Gravity::Exact;
+  double openingAngle = 0.5;
+  double softeningLength = 0.0;
+};
+
+// The one simulation the application holds: bodies, trace points, parameters,
+// elapsed time and the counters that number bodies and views. The host owns
+// time: the world only moves when step() is called.
+class World : public WorldValues {
+ public:
   World();
   ~World();
   World(const World&) = delete;
@@ -111,23 +144,12 @@ class World {
   int32_t appendTracePoints();
   void trimTracePoints();
 
-  double elapsedTime = 0.0;
   LinkedList* bodies = nullptr;
   LinkedList* tracePoints = nullptr;
   // What each step's trace points were recorded against, for drawing them
   // relative to a body or the centre of mass. Recording it reads the bodies
   // and changes none of their values.
   TraceFrames traceFrames;
-  int32_t traceHistoryPoints = kDefaultTraceHistoryPoints;
-  double timeStep = kDefaultTimeStep;
-  double gravitationalConstant = kDefaultGravitationalConstant;
-  double restitution = 1.0;
-  bool adaptive = false;
-  bool merge = true;
-  int32_t nextBodyId = kFirstBodyId;
-  int32_t nextViewNumber = kFirstViewNumber;
-  char name[kNameSize] = {};
-  float millisecondsPerUpdate = 0.0f;
 
  private:
   // The accelerations on entry to an adaptive step that a monitor may

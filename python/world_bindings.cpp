@@ -8,6 +8,7 @@
 #include "conversions.h"
 #include "document/log_line.h"
 #include "document/world_document.h"
+#include "engine/world_fields.h"
 #include "member_property.h"
 #include "recording.h"
 #include "state_arrays.h"

@@ -8,7 +8,9 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "engine/body_fields.h"
 #include "engine/world.h"
+#include "engine/world_fields.h"
 
 namespace {
 
@@ -82,26 +84,18 @@ void PathPredictor::setEnabled(bool enabled) {
 }
 
 void PathPredictor::takeMotion(const World& world, Motion& motion) {
-  motion.timeStep = world.timeStep;
-  motion.gravitationalConstant = world.gravitationalConstant;
-  motion.restitution = world.restitution;
-  motion.adaptive = world.adaptive;
-  motion.merge = world.merge;
+  motion.world.clear();
+  appendFields(worldFields(), kChangesMotion, motion.world, world);
+  motion.ids.clear();
   motion.bodies.clear();
   forEachItem<Body>(*world.bodies, [&](const Body& b) {
-    motion.bodies.push_back({b.id, b.position, b.velocity, b.mass, b.radius});
+    motion.ids.push_back(b.id);
+    appendFields(bodyFields(), kChangesMotion, motion.bodies, b);
   });
 }
 
 bool PathPredictor::sameMotion(const Motion& a, const Motion& b) {
-  const auto sameBody = [](const MotionBody& p, const MotionBody& q) {
-    return p.id == q.id && sameBits(p.position, q.position) && sameBits(p.velocity, q.velocity) &&
-           sameBits(p.mass, q.mass) && sameBits(p.radius, q.radius);
-  };
-  return sameBits(a.timeStep, b.timeStep) &&
-         sameBits(a.gravitationalConstant, b.gravitationalConstant) &&
-         sameBits(a.restitution, b.restitution) && a.adaptive == b.adaptive && a.merge == b.merge &&
-         std::equal(a.bodies.begin(), a.bodies.end(), b.bodies.begin(), b.bodies.end(), sameBody);
+  return a.ids == b.ids && sameFields(a.world, b.world) && sameFields(a.bodies, b.bodies);
 }
 
 const PredictedPaths* PathPredictor::paths(const World& world, double horizon) {
@@ -123,8 +117,8 @@ void PathPredictor::restart(double horizon) {
   const uint64_t generation = ++generation_;
   current_.emplace();
   current_->horizon = horizon;
-  for (const MotionBody& b : currentMotion_.bodies) {
-    current_->paths.push_back({b.id, {}});
+  for (const int32_t id : currentMotion_.ids) {
+    current_->paths.push_back({id, {}});
   }
   // The horizons asked for from now on decide the next restart's.
   requested_ = 0.0;
@@ -163,26 +157,20 @@ void PathPredictor::compute(const Job& job) {
   // A world of the worker's own: bodies made on this thread tell no one.
   World world;
   const Motion& m = job.motion;
-  world.timeStep = m.timeStep;
-  world.gravitationalConstant = m.gravitationalConstant;
-  world.restitution = m.restitution;
-  world.adaptive = m.adaptive;
-  world.merge = m.merge;
+  writeAppendedFields(worldFields(), kChangesMotion, m.world, 0, world);
   std::unordered_map<int32_t, std::size_t> pathOf;
-  for (const MotionBody& b : m.bodies) {
-    Body* body = world.insertBody(b.id, world.bodies->count());
-    body->position = b.position;
-    body->velocity = b.velocity;
-    body->mass = b.mass;
-    body->radius = b.radius;
-    pathOf.emplace(b.id, pathOf.size());
+  std::size_t next = 0;
+  for (const int32_t id : m.ids) {
+    Body* body = world.insertBody(id, world.bodies->count());
+    next = writeAppendedFields(bodyFields(), kChangesMotion, m.bodies, next, *body);
+    pathOf.emplace(id, pathOf.size());
   }
 
   // Every stride-th step is kept, and the last, so that no path holds more
   // than its share of the samples.
-  const std::size_t perPath = std::clamp(kTotalSamples / std::max<std::size_t>(1, m.bodies.size()),
+  const std::size_t perPath = std::clamp(kTotalSamples / std::max<std::size_t>(1, m.ids.size()),
                                          kMinSamplesPerPath, kMaxSamplesPerPath);
-  const double wanted = job.horizon / m.timeStep;
+  const double wanted = job.horizon / world.timeStep;
   const auto totalSteps = static_cast<int64_t>(
       std::isfinite(wanted) && wanted > 0.0 ? std::min(std::ceil(wanted), double{kMaxSteps}) : 0.0);
   const int64_t stride = std::max<int64_t>(

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "engine/field_table.h"
 #include "engine/vector.h"
 
 class World;
@@ -75,22 +76,12 @@ class PathPredictor : public QObject {
   void pathsChanged();
 
  private:
-  // What moves the bodies: the integrator's parameters and each body's
-  // identifier, position, velocity, mass and radius, in list order.
-  struct MotionBody {
-    int32_t id;
-    Vector position;
-    Vector velocity;
-    double mass;
-    double radius;
-  };
+  // What moves the bodies: the world's fields that change the motion, then
+  // each body's identifier and its fields that do, in list order.
   struct Motion {
-    double timeStep = 0.0;
-    double gravitationalConstant = 0.0;
-    double restitution = 0.0;
-    bool adaptive = false;
-    bool merge = false;
-    std::vector<MotionBody> bodies;
+    FieldValues world;
+    std::vector<int32_t> ids;
+    FieldValues bodies;
   };
   struct Job {
     uint64_t generation = 0;

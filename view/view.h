@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string_view>
 
 #include "engine/list_storable.h"
@@ -14,10 +13,10 @@
 // when the point was recorded, placed around where the reference is now.
 enum class TraceReference { World, TrackedBody, CenterOfMass };
 
-// The names the datafile gives the choices ("World", "Tracked body",
-// "Center of mass"); nothing for any other text.
-const char* traceReferenceName(TraceReference reference);
-std::optional<TraceReference> traceReferenceNamed(std::string_view name);
+// The names the datafile gives the choices, in the order of the
+// enumeration.
+inline constexpr std::string_view kTraceReferenceNames[] = {"World", "Tracked body",
+                                                            "Center of mass"};
 
 // Camera and display settings of one view window. The window's OrrenvaleGL
 // creates and owns it; the view palette and the datafile code read and write

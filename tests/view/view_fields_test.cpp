@@ -1,4 +1,4 @@
-#include "app/view_state.h"
+#include "view/view_fields.h"
 
 #include <gtest/gtest.h>
 
