@@ -72,6 +72,12 @@ int BatchJob::finish(int status) {
   return shareStatus(status);
 }
 
+void BatchJob::shareForces(World& world) {
+  if (link_ != nullptr) {
+    world.setDistributedPasses(link_->passes());
+  }
+}
+
 int BatchJob::follow(const BatchOptionsResult& parsed) {
   if (!parsed.error.isEmpty()) {
     return kExitUsage;
@@ -86,6 +92,7 @@ int BatchJob::follow(const BatchOptionsResult& parsed) {
   World world;
   loadToWorldFromDict(world, &*read.dict, DocumentSections{});
   read.dict.reset();
+  shareForces(world);
   // Nonzero when the leader failed before the first step.
   if (const int go = shareStatus(0); go != 0) {
     return go;

@@ -33,6 +33,8 @@ class BatchJob {
   // The leader reads the file and sends its bytes to every follower; every
   // process parses them, so all get the same world or the same error.
   DocumentReadResult readWorldFile(const QString& path);
+  // Has the world share its force passes with the job's other processes.
+  void shareForces(World& world);
   // The outputs are open: every process starts stepping.
   void start();
   // Ends the job with the leader's exit status on every process.

@@ -135,6 +135,7 @@ int run(const BatchOptions& options, BatchJob& job) {
   hooks.loadViews = [&](const PlistValue& value) { views = value; };
   loadToWorldFromDict(world, &*read.dict, DocumentSections{}, hooks);
   read.dict.reset();
+  job.shareForces(world);
 
   // A log that cannot be written ends the run at once: the old file stays
   // as it was, and no time goes into steps nobody can see.

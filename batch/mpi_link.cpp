@@ -34,18 +34,15 @@ class MpiLink final : public JobLink {
     // One process keeps the engine's own passes, threads included.
     if (size_ > 1) {
       passes_.emplace(rank_, size_);
-      setDistributedPasses(&*passes_);
     }
   }
-  ~MpiLink() override {
-    setDistributedPasses(nullptr);
-    MPI_Finalize();
-  }
+  ~MpiLink() override { MPI_Finalize(); }
   MpiLink(const MpiLink&) = delete;
   MpiLink& operator=(const MpiLink&) = delete;
 
   int rank() const override { return rank_; }
   int size() const override { return size_; }
+  DistributedPasses* passes() override { return passes_ ? &*passes_ : nullptr; }
 
   // MPI counts are ints: larger transfers go in pieces.
   void broadcast(void* data, std::size_t size) override {

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "engine/speed.h"
+#include "engine/fast_pass.h"
 #include "engine/world.h"
 
 namespace {
@@ -33,38 +33,23 @@ std::string loadAverage() {
 }
 
 // The label names the path and the one-minute load average at the end.
-std::string label(int threads) {
-  const char* path = threads == 0 ? "plain" : kernelPathName(kernelPath());
+std::string label(World& world, int threads) {
+  const char* path = threads == 0 ? "plain" : kernelPathName(world.fastPass().path());
   return std::string(path) + (threads < 0 ? " auto" : "") + ", load " + loadAverage();
 }
 
-// The path chosen at start-up (ORRENVALE_SIMD), or the fastest when that is
-// the reference path, which the threads argument 0 selects instead.
-KernelPath vectorPath() {
-  static const KernelPath chosen =
-      kernelPath() == KernelPath::Reference ? fastestKernelPath() : kernelPath();
-  return chosen;
+// The world's path and thread count for one run: threads 0 for the reference
+// path, -1 for the automatic thread count; otherwise the path chosen at
+// start-up (ORRENVALE_SIMD), or the fastest when that is the reference path.
+void choose(World& world, int threads) {
+  FastPass& pass = world.fastPass();
+  if (threads == 0) {
+    pass.setPath(KernelPath::Reference);
+  } else if (pass.path() == KernelPath::Reference) {
+    pass.setPath(fastestKernelPath());
+  }
+  pass.setForcedThreads(threads < 0 ? 0 : threads);
 }
-
-// Path and thread count for one run; restored afterwards. threads: 0 for the
-// reference path, -1 for the automatic thread count.
-class Choice {
- public:
-  Choice(KernelPath path, int threads) : path_(kernelPath()), threads_(passThreads()) {
-    setKernelPath(threads == 0 ? KernelPath::Reference : path);
-    setPassThreads(threads < 0 ? 0 : threads);
-  }
-  ~Choice() {
-    setKernelPath(path_);
-    setPassThreads(threads_);
-  }
-  Choice(const Choice&) = delete;
-  Choice& operator=(const Choice&) = delete;
-
- private:
-  KernelPath path_;
-  int threads_;
-};
 
 // Arguments: bodies, threads (0: the plain pass over the body list, -1: the
 // automatic choice).
@@ -73,7 +58,7 @@ void BM_ForcePass(benchmark::State& state) {
   const int threads = static_cast<int>(state.range(1));
   World world;
   fill(world, n);
-  Choice choice(vectorPath(), threads);
+  choose(world, threads);
   for (auto _ : state) {
     if (threads == 0) {
       world.computeForcesPlain();
@@ -85,7 +70,7 @@ void BM_ForcePass(benchmark::State& state) {
   const double pairs = static_cast<double>(n) * (n - 1) / 2.0;
   state.counters["pairs/s"] = benchmark::Counter(pairs * static_cast<double>(state.iterations()),
                                                  benchmark::Counter::kIsRate);
-  state.SetLabel(label(threads));
+  state.SetLabel(label(world, threads));
 }
 BENCHMARK(BM_ForcePass)
     ->ArgNames({"bodies", "threads"})
@@ -100,7 +85,7 @@ void BM_Step(benchmark::State& state) {
   const int threads = static_cast<int>(state.range(1));
   World world;
   fill(world, n);
-  Choice choice(vectorPath(), threads);
+  choose(world, threads);
   for (auto _ : state) {
     world.step();
   }
@@ -110,7 +95,7 @@ void BM_Step(benchmark::State& state) {
   const double pairsPerStep = 4.0 * n * (n - 1) / 2.0;
   state.counters["pairs/s"] = benchmark::Counter(
       pairsPerStep * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
-  state.SetLabel(label(threads));
+  state.SetLabel(label(world, threads));
 }
 BENCHMARK(BM_Step)
     ->ArgNames({"bodies", "threads"})

@@ -52,8 +52,7 @@ bool World::collide() {
   // No response changes anything before the first touching pair, so when the
   // packed test finds none the pass has nothing to do, and when it finds one
   // the sequential pass from the start gives the exact result.
-  DistributedPasses* shared = distributedPasses();
-  if (!(shared != nullptr ? shared->mayTouch(*this) : FastPass::instance().mayTouch(*bodies))) {
+  if (!(distributed_ != nullptr ? distributed_->mayTouch(*this) : fastPass_->mayTouch(*bodies))) {
     removeInactiveBodies();
     return false;
   }
@@ -61,7 +60,7 @@ bool World::collide() {
 }
 
 bool World::mayTouchFromRows(int begin, int end) {
-  return FastPass::instance().mayTouchRows(*bodies, begin, end);
+  return fastPass_->mayTouchRows(*bodies, begin, end);
 }
 
 bool World::collidePlain() {

@@ -8,7 +8,7 @@ class World;
 // each process doing one block of the work and the host exchanging the
 // results, so that every process goes on with the same state, bit for bit.
 // The engine knows nothing of the transport: the host implements this class
-// and installs it with setDistributedPasses.
+// and installs it in the world with World::setDistributedPasses.
 class DistributedPasses {
  public:
   virtual ~DistributedPasses() = default;
@@ -19,10 +19,6 @@ class DistributedPasses {
   // on every process.
   virtual bool mayTouch(World& world) = 0;
 };
-
-// Process-wide; null (the default) keeps both passes in this process.
-void setDistributedPasses(DistributedPasses* passes);
-DistributedPasses* distributedPasses();
 
 // How the work is cut into parts, for count active bodies in list order and
 // part in [0, parts]; part == parts gives count, so part p covers

@@ -107,19 +107,6 @@ KernelPath fastestKernelPath() {
 bool kernelPathSupported(KernelPath path) {
   return processorHas(path);
 }
-bool setKernelPath(KernelPath path) {
-  return FastPass::instance().setPath(path);
-}
-KernelPath kernelPath() {
-  return FastPass::instance().path();
-}
-void setPassThreads(int threads) {
-  FastPass::instance().setForcedThreads(threads);
-}
-int passThreads() {
-  return FastPass::instance().forcedThreads();
-}
-
 const char* kernelPathName(KernelPath path) {
   switch (path) {
     case KernelPath::Reference:
@@ -134,11 +121,6 @@ const char* kernelPathName(KernelPath path) {
   return "reference";
 }
 
-FastPass& FastPass::instance() {
-  static FastPass pass;
-  return pass;
-}
-
 FastPass::FastPass() : path_(initialPath()), forcedThreads_(initialThreads()) {
   const unsigned cores = std::thread::hardware_concurrency();
   automaticThreads_ = std::clamp(static_cast<int>(cores), 1, 8);
@@ -151,17 +133,17 @@ bool FastPass::setPath(KernelPath path) {
   if (!processorHas(path)) {
     return false;
   }
-  path_.store(path);
+  path_ = path;
   return true;
 }
 
 void FastPass::setForcedThreads(int threads) {
-  forcedThreads_.store(std::clamp(threads, 0, kMaxThreads));
+  forcedThreads_ = std::clamp(threads, 0, kMaxThreads);
 }
 
 const KernelSet* FastPass::kernelSet() const {
 #if defined(__x86_64__)
-  switch (path_.load()) {
+  switch (path_) {
     case KernelPath::Reference:
       return nullptr;
     case KernelPath::Sse2:
@@ -173,15 +155,6 @@ const KernelSet* FastPass::kernelSet() const {
   }
 #endif
   return nullptr;
-}
-
-const KernelSet* FastPass::claim(std::unique_lock<std::mutex>& lock) {
-  const KernelSet* kernels = kernelSet();
-  if (kernels == nullptr) {
-    return nullptr;
-  }
-  lock = std::unique_lock(mutex_, std::try_to_lock);
-  return lock.owns_lock() ? kernels : nullptr;
 }
 
 int FastPass::pack(const LinkedList& bodies, bool radii) {
@@ -221,7 +194,7 @@ int FastPass::pack(const LinkedList& bodies, bool radii) {
 }
 
 int FastPass::threadsFor(int count, bool forcePass) {
-  const int forced = forcedThreads_.load();
+  const int forced = forcedThreads_;
   if (forced > 0) {
     return forced;
   }
@@ -239,7 +212,7 @@ int FastPass::threadsFor(int count, bool forcePass) {
 }
 
 void FastPass::judge(bool worthwhile) {
-  if (forcedThreads_.load() > 0) {
+  if (forcedThreads_ > 0) {
     return;
   }
   if (worthwhile) {
@@ -255,8 +228,7 @@ void FastPass::judge(bool worthwhile) {
 }
 
 bool FastPass::computeForces(const LinkedList& bodies, double gravitationalConstant) {
-  std::unique_lock<std::mutex> lock;
-  const KernelSet* kernels = claim(lock);
+  const KernelSet* kernels = kernelSet();
   if (kernels == nullptr) {
     return false;
   }
@@ -328,8 +300,7 @@ void FastPass::ForceTask::run(int row, int) {
 }
 
 bool FastPass::mayTouch(const LinkedList& bodies) {
-  std::unique_lock<std::mutex> lock;
-  const KernelSet* kernels = claim(lock);
+  const KernelSet* kernels = kernelSet();
   if (kernels == nullptr) {
     return true;
   }
@@ -382,8 +353,7 @@ void FastPass::TouchTask::run(int chunk, int) {
 // needing no partial sums from other blocks.
 bool FastPass::computeBlockForces(const LinkedList& bodies, double gravitationalConstant, int begin,
                                   int end) {
-  std::unique_lock<std::mutex> lock;
-  const KernelSet* kernels = claim(lock);
+  const KernelSet* kernels = kernelSet();
   if (kernels == nullptr) {
     return false;
   }
@@ -405,8 +375,7 @@ bool FastPass::computeBlockForces(const LinkedList& bodies, double gravitational
 }
 
 bool FastPass::mayTouchRows(const LinkedList& bodies, int begin, int end) {
-  std::unique_lock<std::mutex> lock;
-  const KernelSet* kernels = claim(lock);
+  const KernelSet* kernels = kernelSet();
   if (kernels == nullptr) {
     return true;
   }

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "kernels.h"
@@ -13,19 +12,22 @@
 class Body;
 class LinkedList;
 
-// The packed force and collision passes of the engine: one process-wide
-// instance that keeps its packing arrays and helper threads across steps.
-// Its results are bit for bit those of the passes over the body list.
+// The packed force and collision passes of a world, which owns one: it keeps
+// its packing arrays and helper threads across steps. Its results are bit for
+// bit those of the passes over the body list. The instruction set and thread
+// count start from the environment (ORRENVALE_SIMD, ORRENVALE_THREADS) and
+// may be changed between steps.
 class FastPass {
  public:
-  static FastPass& instance();
+  FastPass();
+  ~FastPass();
 
   // Adds the forces of all pairs of active bodies, as World::computeForcesPlain
   // does. Returns false, having done nothing, when the reference path is
-  // chosen or another thread is using the instance.
+  // chosen.
   bool computeForces(const LinkedList& bodies, double gravitationalConstant);
   // False when no two active bodies touch; true when some pair touches or the
-  // test was not made (reference path, instance in use).
+  // test was not made (reference path).
   bool mayTouch(const LinkedList& bodies);
   // The same two passes for one block of the work, on the calling thread: the
   // forces of the active bodies [begin, end) (in list order) from all their
@@ -36,18 +38,20 @@ class FastPass {
                           int end);
   bool mayTouchRows(const LinkedList& bodies, int begin, int end);
 
+  // Chooses the path of later passes; returns false and changes nothing when
+  // the processor lacks it.
   bool setPath(KernelPath path);
-  KernelPath path() const { return path_.load(); }
+  KernelPath path() const { return path_; }
+  // Forces the number of threads of every pass (1 to 64); 0 returns to the
+  // automatic choice: one thread below about 500 bodies or while another
+  // process keeps a core busy, otherwise one per core.
   void setForcedThreads(int threads);
-  int forcedThreads() const { return forcedThreads_.load(); }
+  int forcedThreads() const { return forcedThreads_; }
 
   FastPass(const FastPass&) = delete;
   FastPass& operator=(const FastPass&) = delete;
 
  private:
-  FastPass();
-  ~FastPass();
-
   struct alignas(64) Progress {
     std::atomic<int> tiles{0};
   };
@@ -79,10 +83,8 @@ class FastPass {
     std::atomic<bool> found{false};
   };
 
+  // The kernels of the chosen path; null for the reference path.
   const KernelSet* kernelSet() const;
-  // The kernels of the chosen path, with the instance locked for one pass;
-  // null when the reference path is chosen or another thread holds it.
-  const KernelSet* claim(std::unique_lock<std::mutex>& lock);
   // Copies the active bodies into the packed arrays; radii instead of masses
   // for the touch test. Returns the count.
   int pack(const LinkedList& bodies, bool radii);
@@ -90,9 +92,8 @@ class FastPass {
   // Records whether a threaded pass paid, for the automatic choice.
   void judge(bool worthwhile);
 
-  std::mutex mutex_;
-  std::atomic<KernelPath> path_;
-  std::atomic<int> forcedThreads_{0};
+  KernelPath path_;
+  int forcedThreads_ = 0;
   int automaticThreads_ = 1;
   // Passes left to run on one thread after a helper was found slow, and the
   // length of the next such pause (doubled while helpers stay slow).

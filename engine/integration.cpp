@@ -12,8 +12,6 @@ namespace {
 constexpr double kEnergyTolerance = kEngineTolerance;
 constexpr double kMinimumSubstep = 1e-8;
 
-DistributedPasses* gDistributedPasses = nullptr;
-
 LinkedList* copyBodies(const LinkedList& source) {
   auto* copy = new LinkedList;
   forEachItem<Body>(source, [&](const Body& b) { copy->append(new ListNode(new Body(b))); });
@@ -29,24 +27,16 @@ void World::clearAllForces() {
   });
 }
 
-void setDistributedPasses(DistributedPasses* passes) {
-  gDistributedPasses = passes;
-}
-
-DistributedPasses* distributedPasses() {
-  return gDistributedPasses;
-}
-
 void World::computeForces() {
-  if (gDistributedPasses != nullptr) {
-    gDistributedPasses->computeForces(*this);
-  } else if (!FastPass::instance().computeForces(*bodies, gravitationalConstant)) {
+  if (distributed_ != nullptr) {
+    distributed_->computeForces(*this);
+  } else if (!fastPass_->computeForces(*bodies, gravitationalConstant)) {
     computeForcesPlain();
   }
 }
 
 void World::computeBlockForces(int begin, int end) {
-  if (FastPass::instance().computeBlockForces(*bodies, gravitationalConstant, begin, end)) {
+  if (fastPass_->computeBlockForces(*bodies, gravitationalConstant, begin, end)) {
     return;
   }
   // The reference path has no block form: the whole pass runs, and the

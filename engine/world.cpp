@@ -4,9 +4,10 @@
 #include <cstring>
 #include <limits>
 
+#include "fast_pass.h"
 #include "position_point.h"
 
-World::World() {
+World::World() : fastPass_(std::make_unique<FastPass>()) {
   reset();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -9,6 +10,9 @@
 #include "names.h"
 #include "trace_frames.h"
 #include "vector.h"
+
+class DistributedPasses;
+class FastPass;
 
 // Where an adaptive step stands while it refines its time step, which can
 // take very long (halving the substep down to 1e-8 may mean billions of
@@ -119,6 +123,13 @@ class World : public WorldValues {
   // order, begin a forceBlockStart: their accumulators receive exactly what
   // computeForces adds to them; every other accumulator is left as it was.
   void computeBlockForces(int begin, int end);
+  // The world's packed passes: their instruction set and thread count.
+  FastPass& fastPass() { return *fastPass_; }
+  // Shares the force pass and the touch test out over several processes
+  // (null, the default, keeps them in this one). The host keeps the passes
+  // alive while they are installed.
+  void setDistributedPasses(DistributedPasses* passes) { distributed_ = passes; }
+  DistributedPasses* distributedPasses() const { return distributed_; }
   double energy() const;
   Vector momentum() const;
   Vector centerOfMass() const;
@@ -152,6 +163,8 @@ class World : public WorldValues {
   TraceFrames traceFrames;
 
  private:
+  std::unique_ptr<FastPass> fastPass_;
+  DistributedPasses* distributed_ = nullptr;
   // The accelerations on entry to an adaptive step that a monitor may
   // cancel (body copies start with none); kept to reuse its memory.
   std::vector<Vector> entryAccelerations_;

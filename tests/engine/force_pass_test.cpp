@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/distributed_passes.h"
+#include "engine/fast_pass.h"
 #include "engine/speed.h"
 #include "engine/world.h"
 #include "test_support.h"
@@ -53,21 +54,6 @@ std::vector<Config> fastConfigs() {
   return configs;
 }
 
-// Restores the process-wide choices when a test ends.
-struct SpeedChoice {
-  KernelPath path = kernelPath();
-  int threads = passThreads();
-  ~SpeedChoice() {
-    setKernelPath(path);
-    setPassThreads(threads);
-  }
-
-  static void use(const Config& c) {
-    ASSERT_TRUE(setKernelPath(c.path));
-    setPassThreads(c.threads);
-  }
-};
-
 // A world of n bodies in a cube of the given scale. Starting forces are
 // random and include both signed zeros, since the pass adds to what the
 // accumulators hold.
@@ -101,8 +87,7 @@ void setForces(World& world, const std::vector<Vector>& forces) {
 // A block pass that touches an accumulator outside its block fails the test.
 class SequentialParts : public DistributedPasses {
  public:
-  explicit SequentialParts(int parts) : parts_(parts) { setDistributedPasses(this); }
-  ~SequentialParts() override { setDistributedPasses(nullptr); }
+  explicit SequentialParts(int parts) : parts_(parts) {}
   SequentialParts(const SequentialParts&) = delete;
   SequentialParts& operator=(const SequentialParts&) = delete;
 
@@ -151,22 +136,28 @@ class SequentialParts : public DistributedPasses {
   int parts_;
 };
 
-// Runs `run(true)` on the reference path, then `run(false)` in every
-// configuration, and compares what `state` gives after each.
+// Gives the world the configuration's path, threads and parts (held by
+// split while it is used), or the reference path when c is null.
+void configure(World& world, const Config* c, std::optional<SequentialParts>& split) {
+  FastPass& pass = world.fastPass();
+  ASSERT_TRUE(pass.setPath(c != nullptr ? c->path : KernelPath::Reference));
+  pass.setForcedThreads(c != nullptr ? c->threads : 0);
+  split.reset();
+  if (c != nullptr && c->parts > 0) {
+    split.emplace(c->parts);
+  }
+  world.setDistributedPasses(split ? &*split : nullptr);
+}
+
+// Runs `run(nullptr)` on the reference path, then `run(&c)` in every
+// configuration c, and compares what `state` gives after each.
 template <typename Run, typename State>
 void expectEveryConfigGivesTheReferenceBits(Run run, State state) {
-  SpeedChoice restore;
-  ASSERT_TRUE(setKernelPath(KernelPath::Reference));
-  run(true);
+  run(nullptr);
   const std::vector<uint64_t> expected = state();
   for (const Config& c : fastConfigs()) {
     SCOPED_TRACE(c.name());
-    SpeedChoice::use(c);
-    std::optional<SequentialParts> split;
-    if (c.parts > 0) {
-      split.emplace(c.parts);
-    }
-    run(false);
+    run(&c);
     EXPECT_EQ(state(), expected);
   }
 }
@@ -174,12 +165,15 @@ void expectEveryConfigGivesTheReferenceBits(Run run, State state) {
 // The fast force pass from the same starting forces as the plain pass.
 void expectFastPassMatchesPlain(World& world) {
   const std::vector<Vector> start = forcesOf(world);
+  std::optional<SequentialParts> split;
   expectEveryConfigGivesTheReferenceBits(
-      [&](bool plain) {
+      [&](const Config* c) {
         setForces(world, start);
-        plain ? world.computeForcesPlain() : world.computeForces();
+        configure(world, c, split);
+        c == nullptr ? world.computeForcesPlain() : world.computeForces();
       },
       [&] { return stateBits(world); });
+  world.setDistributedPasses(nullptr);
 }
 
 class ForcePassSizes : public ::testing::TestWithParam<int> {};
@@ -256,14 +250,16 @@ struct StepCase {
 class FullSteps : public ::testing::TestWithParam<StepCase> {};
 
 TEST_P(FullSteps, StepsGiveTheReferenceEngineBits) {
+  std::optional<SequentialParts> split;
   std::optional<World> world;
   expectEveryConfigGivesTheReferenceBits(
-      [&](bool reference) {
+      [&](const Config* c) {
         world.emplace();
+        configure(*world, c, split);
         fillCluster(*world, GetParam().merge, GetParam().adaptive);
         const int bodiesBefore = world->bodies->count();
         takeSteps(*world, 6);
-        if (reference && GetParam().merge) {
+        if (c == nullptr && GetParam().merge) {
           EXPECT_LT(world->bodies->count(), bodiesBefore) << "the cluster should merge bodies";
         }
       },
@@ -309,12 +305,13 @@ TEST(PassParts, CoverTheBodiesInBalancedParts) {
 }
 
 TEST(KernelPaths, UnsupportedPathIsRefusedAndTheChoiceKept) {
-  SpeedChoice restore;
-  ASSERT_TRUE(setKernelPath(KernelPath::Sse2));
+  World world;
+  FastPass& pass = world.fastPass();
+  ASSERT_TRUE(pass.setPath(KernelPath::Sse2));
   for (KernelPath p : {KernelPath::Avx2, KernelPath::Avx512}) {
     if (!kernelPathSupported(p)) {
-      EXPECT_FALSE(setKernelPath(p));
-      EXPECT_EQ(kernelPath(), KernelPath::Sse2);
+      EXPECT_FALSE(pass.setPath(p));
+      EXPECT_EQ(pass.path(), KernelPath::Sse2);
     }
   }
   EXPECT_TRUE(kernelPathSupported(fastestKernelPath()));
