@@ -78,6 +78,13 @@ using FieldMember = std::variant<double Rs::*..., float Rs::*..., int32_t Rs::*.
 // when the value is fine.
 using FieldProblem = const char* (*)(double value);
 
+template <typename First, typename... Rest>
+struct FirstRecordOf {
+  using Type = First;
+};
+template <typename... Rs>
+using FirstRecord = typename FirstRecordOf<Rs...>::Type;
+
 template <typename... Rs>
 struct Field {
   // The datafile key (for a vector or a colour, the start of its three
@@ -104,6 +111,12 @@ struct Field {
   // The form in which an outside value is kept (the clock's bound on its
   // speed, say), applied wherever a value comes from outside the program.
   double (*bound)(double value) = nullptr;
+  // What the field is and does, for Python's help and palette tooltips.
+  std::string_view help = {};
+  // Why the field has no effect on this record as it stands (another
+  // integrator is chosen, say), for a palette that disables it; null while
+  // it has one.
+  const char* (*unusedBecause)(const FirstRecord<Rs...>& record) = nullptr;
 
   FieldType type() const;
   bool stored() const { return !key.empty(); }

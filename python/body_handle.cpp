@@ -6,19 +6,8 @@
 #include <string>
 
 #include "conversions.h"
-#include "member_property.h"
-
-namespace {
-
-template <typename T, typename Convert>
-std::optional<T> optionalField(const py::object& value, const char* what, Convert convert) {
-  if (value.is_none()) {
-    return std::nullopt;
-  }
-  return convert(value, what);
-}
-
-}  // namespace
+#include "engine/body_fields.h"
+#include "field_properties.h"
 
 Body& BodyHandle::body() const {
   if (Body* b = world_->world().findBodyById(id_)) {
@@ -33,31 +22,21 @@ bool BodyHandle::exists() const {
   return world_->world().findBodyById(id_) != nullptr;
 }
 
-Body& BodyFields::create(World& world) const {
-  const auto n = optionalField<std::string>(name, "name", toName);
-  const auto p = optionalField<Vector>(position, "position", toVector);
-  const auto v = optionalField<Vector>(velocity, "velocity", toVector);
-  const auto a = optionalField<Vector>(acceleration, "acceleration", toVector);
-  const auto m = optionalField<double>(mass, "mass", toDouble);
-  const auto r = optionalField<double>(radius, "radius", toDouble);
-  const auto c = optionalField<std::array<float, 3>>(color, "color", toColor);
-  const auto t = optionalField<bool>(trace_enable, "trace_enable", toBool);
-  const auto s = optionalField<bool>(show_vectors, "show_vectors", toBool);
-
+Body& createBody(World& world, const py::kwargs& fields) {
+  std::vector<std::pair<const BodyField*, FieldValue>> values;
+  for (const auto& [key, value] : fields) {
+    const std::string name = py::str(key);
+    const auto row = std::find_if(bodyFields().begin(), bodyFields().end(),
+                                  [&](const BodyField& f) { return f.python == name; });
+    if (row == bodyFields().end()) {
+      throw py::type_error("add_body() got an unexpected keyword argument '" + name + "'");
+    }
+    values.emplace_back(&*row, fieldFromPython(*row, value));
+  }
   Body& b = *world.createBody();
-  if (n) {
-    copyName(b.name, *n);
+  for (const auto& [field, value] : values) {
+    writeField(*field, value, b);
   }
-  b.position = p.value_or(b.position);
-  b.velocity = v.value_or(b.velocity);
-  b.acceleration = a.value_or(b.acceleration);
-  b.mass = m.value_or(b.mass);
-  b.radius = r.value_or(b.radius);
-  if (c) {
-    std::copy(c->begin(), c->end(), b.color);
-  }
-  b.traceEnable = t.value_or(b.traceEnable);
-  b.showVectors = s.value_or(b.showVectors);
   return b;
 }
 
@@ -74,33 +53,7 @@ three real numbers.)");
   cls.def_property_readonly("exists", &BodyHandle::exists,
                             "Whether the world still holds a body with this identifier.");
   const auto body = [](const BodyHandle& h) -> Body& { return h.body(); };
-  foundProperty(
-      cls, "name", body, [](Body& b) { return fromUtf8(b.name); },
-      [](Body& b, const py::object& v, const char* what) { copyName(b.name, toName(v, what)); },
-      "The name (at most 254 bytes of UTF-8; longer names are cut at a character).");
-  const auto vectorProperty = [&](const char* name, Vector Body::*member, const char* doc) {
-    memberProperty(cls, name, body, member, fromVector, toVector, doc);
-  };
-  vectorProperty("position", &Body::position, "Centre of the sphere.");
-  vectorProperty("velocity", &Body::velocity, "Velocity.");
-  vectorProperty("acceleration", &Body::acceleration,
-                 "Acceleration at the start of the last step (or of the last "
-                 "compute_accelerations).");
-  memberProperty(cls, "mass", body, &Body::mass, kAsIs, toDouble,
-                 "Mass; 1e-12 or less in magnitude gives no acceleration.");
-  memberProperty(cls, "radius", body, &Body::radius, kAsIs, toDouble,
-                 "Radius of the sphere, for collisions and drawing.");
-  foundProperty(
-      cls, "color", body, [](Body& b) { return fromColor(b.color); },
-      [](Body& b, const py::object& v, const char* what) {
-        const std::array<float, 3> c = toColor(v, what);
-        std::copy(c.begin(), c.end(), b.color);
-      },
-      "Red, green and blue, 0 to 1, kept in single precision.");
-  memberProperty(cls, "trace_enable", body, &Body::traceEnable, kAsIs, toBool,
-                 "Whether the body leaves trace points.");
-  memberProperty(cls, "show_vectors", body, &Body::showVectors, kAsIs, toBool,
-                 "Whether views draw the body's velocity and acceleration.");
+  bindFieldProperties(cls, bodyFields(), body);
   cls.def("__eq__", [](const BodyHandle& a, const py::object& other) {
     if (!py::isinstance<BodyHandle>(other)) {
       return false;

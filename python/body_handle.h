@@ -28,13 +28,9 @@ class BodyHandle {
   int32_t id_;
 };
 
-// The optional fields of a new body, all converted before the body is made so
-// that a bad value creates nothing.
-struct BodyFields {
-  py::object name, position, velocity, acceleration, mass, radius, color, trace_enable,
-      show_vectors;
-  // Raises on the first bad value; otherwise creates the body with its fields.
-  Body& create(World& world) const;
-};
+// Creates a body from keyword arguments named as the Body's attributes. Every
+// value is converted before the body is made, so a bad value or an unknown
+// name creates nothing.
+Body& createBody(World& world, const py::kwargs& fields);
 
 void bindBody(py::module_& m);

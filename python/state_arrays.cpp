@@ -6,118 +6,101 @@
 
 #include "conversions.h"
 #include "document/plist_value.h"
+#include "engine/body_fields.h"
 
 namespace {
 
-struct VectorArray {
-  const char* name;
-  Vector Body::*member;
-};
-const VectorArray kVectorArrays[] = {
-    {"positions", &Body::position},
-    {"velocities", &Body::velocity},
-    {"accelerations", &Body::acceleration},
-};
-
-struct ScalarArray {
-  const char* name;
-  double Body::*member;
-};
-const ScalarArray kScalarArrays[] = {
-    {"masses", &Body::mass},
-    {"radii", &Body::radius},
-};
-
 constexpr const char* kIds = "ids";
-constexpr const char* kColors = "colors";
 
 py::ssize_t bodyCount(const World& world) {
   return world.bodies->count();
 }
 
-template <typename Table>
-const auto* findArray(const Table& table, std::string_view name) {
-  for (const auto& entry : table) {
-    if (name == entry.name) {
-      return &entry;
+// The body field whose World array has this name, or null.
+const BodyField* arrayField(std::string_view name) {
+  for (const BodyField& field : bodyFields()) {
+    if (!field.pythonArray.empty() && field.pythonArray == name) {
+      return &field;
     }
   }
-  return static_cast<decltype(&table[0])>(nullptr);
+  return nullptr;
+}
+
+// Three columns for a vector or a colour, one for a number.
+py::ssize_t columns(const BodyField& field) {
+  return field.type() == FieldType::Vector || field.type() == FieldType::Color ? 3 : 0;
 }
 
 std::string knownNames() {
-  std::string names = std::string(kIds) + ", ";
-  for (const auto& a : kVectorArrays) {
-    names += std::string(a.name) + ", ";
+  std::string names = kIds;
+  for (const BodyField& field : bodyFields()) {
+    if (!field.pythonArray.empty()) {
+      names += ", " + std::string(field.pythonArray);
+    }
   }
-  for (const auto& a : kScalarArrays) {
-    names += std::string(a.name) + ", ";
-  }
-  return names + kColors;
+  return names;
+}
+
+template <typename T>
+py::array tableArray(const World& world, py::ssize_t cols, const auto& fill) {
+  const py::ssize_t n = bodyCount(world);
+  py::array_t<T> a = cols == 0 ? py::array_t<T>(n) : py::array_t<T>({n, cols});
+  T* out = a.mutable_data();
+  forEachItem<Body>(*world.bodies, [&](const Body& b) { out = fill(b, out); });
+  return a;
 }
 
 // One array of a set_state call, checked and converted, waiting to be written.
 struct PendingWrite {
-  const VectorArray* vectors = nullptr;
-  const ScalarArray* scalars = nullptr;
-  bool colors = false;
+  const BodyField* field = nullptr;
   py::array_t<double> values;
 };
 
 }  // namespace
 
 py::array readStateArray(const World& world, const char* name) {
-  const py::ssize_t n = bodyCount(world);
-  py::ssize_t row = 0;
   if (std::strcmp(name, kIds) == 0) {
-    py::array_t<int32_t> a(n);
-    auto m = a.mutable_unchecked<1>();
-    forEachItem<Body>(*world.bodies, [&](const Body& b) { m(row++) = b.id; });
-    return a;
-  }
-  if (std::strcmp(name, kColors) == 0) {
-    py::array_t<float> a({n, py::ssize_t{3}});
-    auto m = a.mutable_unchecked<2>();
-    forEachItem<Body>(*world.bodies, [&](const Body& b) {
-      for (py::ssize_t c = 0; c < 3; ++c) {
-        m(row, c) = b.color[c];
-      }
-      ++row;
+    return tableArray<int32_t>(world, 0, [](const Body& b, int32_t* out) {
+      *out = b.id;
+      return out + 1;
     });
-    return a;
   }
-  if (const VectorArray* entry = findArray(kVectorArrays, name)) {
-    py::array_t<double> a({n, py::ssize_t{3}});
-    auto m = a.mutable_unchecked<2>();
-    forEachItem<Body>(*world.bodies, [&](const Body& b) {
-      const Vector& v = b.*entry->member;
-      m(row, 0) = v.x;
-      m(row, 1) = v.y;
-      m(row, 2) = v.z;
-      ++row;
-    });
-    return a;
-  }
-  const ScalarArray* entry = findArray(kScalarArrays, name);
-  if (entry == nullptr) {
+  const BodyField* field = arrayField(name);
+  if (field == nullptr) {
     throw py::value_error(std::string("unknown state array '") + name + "'");
   }
-  py::array_t<double> a(n);
-  auto m = a.mutable_unchecked<1>();
-  forEachItem<Body>(*world.bodies, [&](const Body& b) { m(row++) = b.*entry->member; });
-  return a;
+  switch (field->type()) {
+    case FieldType::Vector:
+      return tableArray<double>(world, 3, [&](const Body& b, double* out) {
+        const Vector v = std::get<Vector>(readField(*field, b));
+        out[0] = v.x;
+        out[1] = v.y;
+        out[2] = v.z;
+        return out + 3;
+      });
+    case FieldType::Color:
+      // The engine keeps colours in single precision.
+      return tableArray<float>(world, 3, [&](const Body& b, float* out) {
+        const auto c = std::get<std::array<float, 3>>(readField(*field, b));
+        return std::copy(c.begin(), c.end(), out);
+      });
+    default:
+      return tableArray<double>(world, 0, [&](const Body& b, double* out) {
+        *out = std::get<double>(readField(*field, b));
+        return out + 1;
+      });
+  }
 }
 
 py::dict readState(const World& world) {
   py::dict state;
   state[kIds] = readStateArray(world, kIds);
-  for (const auto& a : kVectorArrays) {
-    state[a.name] = readStateArray(world, a.name);
+  for (const BodyField& field : bodyFields()) {
+    if (!field.pythonArray.empty()) {
+      const std::string name(field.pythonArray);
+      state[name.c_str()] = readStateArray(world, name.c_str());
+    }
   }
-  for (const auto& a : kScalarArrays) {
-    state[a.name] = readStateArray(world, a.name);
-  }
-  state[kColors] = readStateArray(world, kColors);
   return state;
 }
 
@@ -129,7 +112,6 @@ void writeState(World& world, const py::dict& arrays) {
       throw py::type_error("state array names are str");
     }
     const std::string name = py::str(key);
-    PendingWrite w;
     if (name == kIds) {
       // Identifiers are the world's to give; a matching "ids" array proves
       // that the other arrays were read from these bodies, in this order.
@@ -146,32 +128,37 @@ void writeState(World& world, const py::dict& arrays) {
       }
       continue;
     }
-    if (name == kColors) {
-      w.colors = true;
-      w.values = toRealArray(value, kColors, n, 3);
-    } else if ((w.vectors = findArray(kVectorArrays, name)) != nullptr) {
-      w.values = toRealArray(value, w.vectors->name, n, 3);
-    } else if ((w.scalars = findArray(kScalarArrays, name)) != nullptr) {
-      w.values = toRealArray(value, w.scalars->name, n, 0);
-    } else {
+    const BodyField* field = arrayField(name);
+    if (field == nullptr) {
       throw py::type_error("unknown state array '" + name + "'; the arrays are " + knownNames());
     }
-    writes.push_back(std::move(w));
+    writes.push_back({field, toRealArray(value, name.c_str(), n, columns(*field))});
   }
 
   for (const PendingWrite& w : writes) {
     const double* v = w.values.data();
     forEachItem<Body>(*world.bodies, [&](Body& b) {
-      if (w.vectors != nullptr) {
-        b.*w.vectors->member = Vector::of(v[0], v[1], v[2]);
-        v += 3;
-      } else if (w.scalars != nullptr) {
-        b.*w.scalars->member = *v++;
-      } else {
-        for (int c = 0; c < 3; ++c) {
-          b.color[c] = narrowToFloat(*v++);
-        }
-      }
+      visitField(
+          *w.field,
+          [&](auto&& storage) {
+            using T = std::remove_cvref_t<decltype(storage)>;
+            if constexpr (std::is_same_v<T, Vector>) {
+              storage = Vector::of(v[0], v[1], v[2]);
+              v += 3;
+            } else if constexpr (std::is_same_v<T, float[3]>) {
+              for (int c = 0; c < 3; ++c) {
+                storage[c] = narrowToFloat(*v++);
+              }
+            } else if constexpr (std::is_same_v<T, double>) {
+              storage = *v++;
+            }
+          },
+          b);
     });
   }
+}
+
+py::ssize_t stateArrayColumns(const char* name) {
+  const BodyField* field = arrayField(name);
+  return field != nullptr ? columns(*field) : 0;
 }

@@ -11,9 +11,9 @@ namespace py = pybind11;
 // Reading gives fresh arrays; writing copies the values into the bodies.
 
 // The names of the arrays, as state() gives them and set_state takes them:
-// "ids" (int32, read-only), "positions", "velocities", "accelerations"
-// (float64, (N, 3)), "masses", "radii" (float64, (N,)), "colors" (float32,
-// (N, 3): the engine keeps colours in single precision).
+// "ids" (int32, read-only), and the array of each body field that has one
+// (the body table's Python array names): a vector as float64 (N, 3), a
+// number as float64 (N,), a colour as float32 (N, 3).
 py::array readStateArray(const World& world, const char* name);
 py::dict readState(const World& world);
 
@@ -21,3 +21,5 @@ py::dict readState(const World& world);
 // shape, and "ids", when given, against the world's identifiers in order)
 // before any body changes, so a refused call leaves the world as it was.
 void writeState(World& world, const py::dict& arrays);
+// 3 for the arrays of vectors and colours, 0 for those of numbers.
+py::ssize_t stateArrayColumns(const char* name);

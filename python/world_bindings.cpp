@@ -8,7 +8,9 @@
 #include "conversions.h"
 #include "document/log_line.h"
 #include "document/world_document.h"
+#include "engine/body_fields.h"
 #include "engine/world_fields.h"
+#include "field_properties.h"
 #include "member_property.h"
 #include "recording.h"
 #include "state_arrays.h"
@@ -17,7 +19,14 @@ namespace {
 
 using WorldClass = py::class_<PythonWorld, std::shared_ptr<PythonWorld>>;
 
-void arrayProperty(WorldClass& cls, const char* name, const char* doc) {
+// The World's array of one body field, read and written whole. The names are
+// the body table's literals, which live as long as the module.
+void arrayProperty(WorldClass& cls, const char* name, FieldType type) {
+  const char* doc = type == FieldType::Vector ? "float64 (N, 3), read and written whole."
+                    : type == FieldType::Color
+                        ? "float32 (N, 3), read and written whole (written values are rounded "
+                          "to single precision)."
+                        : "float64 (N,), read and written whole.";
   cls.def_property(
       name, [name](PythonWorld& w) { return readStateArray(w.world(), name); },
       [name](PythonWorld& w, const py::object& value) {
@@ -99,32 +108,9 @@ replaced whole or not at all. Raises DatafileError when it cannot be written.)")
           "Removes every body and trace point and gives every parameter its reset value.");
 
   const auto engineWorld = [](PythonWorld& w) -> World& { return w.world(); };
-  memberProperty(cls, "time_step", engineWorld, &World::timeStep, kAsIs, toDouble,
-                 "Integration time step.");
-  memberProperty(cls, "gravitational_constant", engineWorld, &World::gravitationalConstant, kAsIs,
-                 toDouble, "G in the force law.");
-  memberProperty(cls, "restitution", engineWorld, &World::restitution, kAsIs, toDouble,
-                 "Coefficient of restitution of collisions that do not merge.");
+  bindFieldProperties(cls, worldFields(), engineWorld);
   memberProperty(cls, "elapsed_time", engineWorld, &World::elapsedTime, kAsIs, toDouble,
                  "Simulated time; every step adds time_step.");
-  memberProperty(cls, "merge", engineWorld, &World::merge, kAsIs, toBool,
-                 "True: touching bodies merge; False: they rebound with restitution.");
-  memberProperty(cls, "adaptive", engineWorld, &World::adaptive, kAsIs, toBool,
-                 "Adaptive time stepping: each step is checked against finer substeps.");
-  memberProperty(cls, "trace_history_points", engineWorld, &World::traceHistoryPoints, kAsIs,
-                 toInt32,
-                 "Bound on the number of trace points kept (a negative bound keeps none).");
-  foundProperty(
-      cls, "name", engineWorld, [](World& w) { return fromUtf8(w.name); },
-      [](World& w, const py::object& v, const char* what) { w.setName(toName(v, what)); },
-      "The world's name (at most 254 bytes of UTF-8; longer names are cut at a character).");
-  memberProperty(
-      cls, "milliseconds_per_update", engineWorld, &World::millisecondsPerUpdate, kAsIs,
-      [](py::handle v, const char* what) {
-        return boundedWorldSpeed(narrowToFloat(toDouble(v, what)));
-      },
-      "The application's pace, single precision, with the application's bound: 0, or more "
-      "than 0.01 (anything else becomes 0.01).");
 
   cls.def("__len__", [](PythonWorld& w) { return w.world().bodies->count(); });
   cls.def("__iter__", [](PythonWorld& w) { return py::iter(bodyHandles(w)); });
@@ -148,24 +134,16 @@ replaced whole or not at all. Raises DatafileError when it cannot be written.)")
       py::arg("name"), "The first body in list order with this name; KeyError when there is none.");
   cls.def(
       "add_body",
-      [](PythonWorld& w, const py::object& name, const py::object& position,
-         const py::object& velocity, const py::object& acceleration, const py::object& mass,
-         const py::object& radius, const py::object& color, const py::object& traceEnable,
-         const py::object& showVectors) {
-        const BodyFields fields{name,   position, velocity,    acceleration, mass,
-                                radius, color,    traceEnable, showVectors};
-        return handleOf(w, fields.create(w.world()));
+      [](PythonWorld& w, const py::kwargs& fields) {
+        return handleOf(w, createBody(w.world(), fields));
       },
-      py::kw_only(), py::arg("name") = py::none(), py::arg("position") = py::none(),
-      py::arg("velocity") = py::none(), py::arg("acceleration") = py::none(),
-      py::arg("mass") = py::none(), py::arg("radius") = py::none(), py::arg("color") = py::none(),
-      py::arg("trace_enable") = py::none(), py::arg("show_vectors") = py::none(),
       R"(Adds a body and returns it.
 
-Every field is optional: name ("Body k"), position, velocity, acceleration
-((0, 0, 0)), mass (1), radius (1), color ((0.5, 0.5, 0.5)), trace_enable
-(False), show_vectors (True). The world gives it the next identifier. A bad
-value raises before anything is added.)");
+Every field is an optional keyword argument named as the Body's attribute:
+name ("Body k"), position, velocity, acceleration ((0, 0, 0)), mass (1),
+radius (1), color ((0.5, 0.5, 0.5)), trace_enable (False), show_vectors
+(True). The world gives it the next identifier. A bad value raises before
+anything is added.)");
   cls.def(
       "remove_body",
       [](PythonWorld& w, const py::object& body) {
@@ -177,21 +155,18 @@ value raises before anything is added.)");
       },
       py::arg("body"), "Removes a body, given as a Body or an identifier; KeyError when absent.");
 
-  arrayProperty(cls, "positions", "float64 (N, 3), read and written whole.");
-  arrayProperty(cls, "velocities", "float64 (N, 3), read and written whole.");
-  arrayProperty(cls, "accelerations", "float64 (N, 3), read and written whole.");
-  arrayProperty(cls, "masses", "float64 (N,), read and written whole.");
-  arrayProperty(cls, "radii", "float64 (N,), read and written whole.");
-  arrayProperty(cls, "colors",
-                "float32 (N, 3), read and written whole (written values are rounded to single "
-                "precision).");
+  for (const BodyField& field : bodyFields()) {
+    if (!field.pythonArray.empty()) {
+      arrayProperty(cls, field.pythonArray.data(), field.type());
+    }
+  }
   cls.def_property_readonly(
       "ids", [](PythonWorld& w) { return readStateArray(w.world(), "ids"); },
       "int32 (N,): the identifiers in list order.");
   cls.def(
       "state", [](PythonWorld& w) { return readState(w.world()); },
-      R"(All arrays in one dict: ids, positions, velocities, accelerations,
-masses, radii, colors. Fresh copies: changing them changes nothing until they
+      R"(All arrays in one dict: ids and the array of each body field
+(positions, velocities, accelerations, masses, radii, colors). Fresh copies: changing them changes nothing until they
 are written back with set_state.)");
   cls.def(
       "set_state", [](PythonWorld& w, const py::kwargs& arrays) { writeState(w.world(), arrays); },
