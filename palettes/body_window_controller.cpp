@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "engine/body_fields.h"
 #include "engine/world.h"
 #include "palettes/color_well.h"
 #include "palettes/number_text.h"
@@ -39,16 +40,31 @@ void BodyWindowController::buildWindow() {
   deleteButton_->setObjectName(QStringLiteral("deleteButton"));
   connect(deleteButton_, &QPushButton::clicked, this, [this] { clickDelete(deleteButton_); });
 
+  // Each control shows and commits one value of the body table's rows, in
+  // the order of the refresh.
+  const auto table = bodyFields();
   auto* form = new QFormLayout;
-  form->addRow(tr("Name"), name_);
-  form->addRow(tr("Position x, y, z"), makeRow({px_, py_, pz_}));
-  form->addRow(tr("Velocity x, y, z"), makeRow({vx_, vy_, vz_}));
-  form->addRow(tr("Acceleration x, y, z"), makeRow({ax_, ay_, az_}));
-  form->addRow(tr("Mass"), mass_);
-  form->addRow(tr("Radius"), radius_);
-  form->addRow(tr("Colour"), color_);
-  form->addRow(tr("Trace"), traceenable_);
-  form->addRow(tr("Vectors"), vectorenable_);
+  const auto bind = [&](const BodyField* field, std::initializer_list<QWidget*> controls) {
+    int component = 0;
+    for (QWidget* control : controls) {
+      fields_.push_back(fieldControl(control, field, component++));
+    }
+    addFieldRow(form, *field, controls);
+  };
+  bind(fieldOf(table, &Body::name), {name_});
+  bind(fieldOf(table, &Body::position), {px_, py_, pz_});
+  bind(fieldOf(table, &Body::velocity), {vx_, vy_, vz_});
+  bind(fieldOf(table, &Body::acceleration), {ax_, ay_, az_});
+  bind(fieldOf(table, &Body::mass), {mass_});
+  bind(fieldOf(table, &Body::radius), {radius_});
+  bind(fieldOf(table, &Body::color), {color_});
+  const auto bindFlag = [&](const BodyField* field, QComboBox* popUp, const char* trueItem,
+                            const char* falseItem) {
+    fields_.push_back(flagControl(popUp, field, trueItem, falseItem));
+    addFieldRow(form, *field, {popUp});
+  };
+  bindFlag(fieldOf(table, &Body::traceEnable), traceenable_, "tracetrue", "tracefalse");
+  bindFlag(fieldOf(table, &Body::showVectors), vectorenable_, "vectortrue", "vectorfalse");
   windowLayout()->addLayout(form);
   windowLayout()->addWidget(deleteButton_, 0, Qt::AlignRight);
 }
@@ -69,11 +85,10 @@ Body* BodyWindowController::inspectedBody() {
 }
 
 void BodyWindowController::setCEnabled(bool enabled) {
-  for (QWidget* control :
-       std::initializer_list<QWidget*>{ax_, ay_, az_, color_, deleteButton_, mass_, name_, px_, py_,
-                                       pz_, radius_, traceenable_, vectorenable_, vx_, vy_, vz_}) {
-    setControlEnabled(control, enabled);
+  for (const FieldControl<Body>& c : fields_) {
+    setControlEnabled(c.control, enabled);
   }
+  setControlEnabled(deleteButton_, enabled);
 }
 
 void BodyWindowController::getValues() {
@@ -83,15 +98,9 @@ void BodyWindowController::getValues() {
     return;
   }
   setCEnabled(true);
-  showText(name_, QString::fromUtf8(body->name));
-  showVector(px_, py_, pz_, body->position);
-  showVector(vx_, vy_, vz_, body->velocity);
-  showVector(ax_, ay_, az_, body->acceleration);
-  showText(mass_, formatReal(body->mass));
-  showText(radius_, formatReal(body->radius));
-  showFlag(traceenable_, body->traceEnable, "tracetrue", "tracefalse");
-  showFlag(vectorenable_, body->showVectors, "vectortrue", "vectorfalse");
-  color_->setComponents(body->color);
+  for (const FieldControl<Body>& c : fields_) {
+    showField(c, *body);
+  }
 }
 
 void BodyWindowController::setValues(QObject* sender) {
@@ -99,33 +108,19 @@ void BodyWindowController::setValues(QObject* sender) {
   if (host == nullptr || host->currentView() == nullptr) {
     return;
   }
-  if (Body* body = inspectedBody()) {
-    host->commitBodyEdit(*body, [&] { writeField(*body, sender); });
+  const FieldControl<Body>* c = controlOf<Body>(fields_, sender);
+  Body* body = inspectedBody();
+  if (c != nullptr && body != nullptr) {
+    host->commitBodyEdit(*body, [&] {
+      if (c->control == name_) {
+        // The controller renames the body's Body-menu item and the body.
+        host->worldRenameBody(body, name_->text().toStdString());
+      } else {
+        commitField(*c, *body);
+      }
+    });
   }
   getValues();
-}
-
-void BodyWindowController::writeField(Body& body, QObject* sender) {
-  if (readVectorComponent(sender, px_, py_, pz_, body.position) ||
-      readVectorComponent(sender, vx_, vy_, vz_, body.velocity) ||
-      readVectorComponent(sender, ax_, ay_, az_, body.acceleration)) {
-    return;
-  }
-  if (sender == radius_) {
-    body.radius = readReal(radius_->text());
-  } else if (sender == mass_) {
-    body.mass = readReal(mass_->text());
-  } else if (sender == color_) {
-    const std::array<float, 3> rgb = color_->components();
-    std::copy(rgb.begin(), rgb.end(), body.color);
-  } else if (sender == traceenable_) {
-    readFlag(traceenable_, "tracetrue", "tracefalse", body.traceEnable);
-  } else if (sender == vectorenable_) {
-    readFlag(vectorenable_, "vectortrue", "vectorfalse", body.showVectors);
-  } else if (sender == name_) {
-    // The controller renames the body's Body-menu item and the body.
-    paletteHost()->worldRenameBody(&body, name_->text().toStdString());
-  }
 }
 
 void BodyWindowController::clickDelete(QObject*) {

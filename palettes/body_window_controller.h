@@ -1,8 +1,10 @@
 #pragma once
 
+#include <vector>
+
+#include "engine/body.h"
 #include "palettes/palette_controller.h"
 
-class Body;
 class ColorWell;
 class QComboBox;
 class QLineEdit;
@@ -30,8 +32,6 @@ class BodyWindowController : public PaletteController {
 
  private:
   void buildWindow();
-  // Writes the committed control's value into the body.
-  void writeField(Body& body, QObject* sender);
   // The body selected in the main window's view, or null.
   static Body* inspectedBody();
 
@@ -51,4 +51,6 @@ class BodyWindowController : public PaletteController {
   QComboBox* traceenable_ = nullptr;
   QComboBox* vectorenable_ = nullptr;
   QPushButton* deleteButton_ = nullptr;
+  // The controls that show the body's fields.
+  std::vector<FieldControl<Body>> fields_;
 };

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFontMetrics>
+#include <QFormLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -10,6 +11,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "document/plist_value.h"
 #include "engine/vector.h"
 #include "palettes/color_well.h"
 #include "palettes/number_text.h"
@@ -273,4 +275,161 @@ bool PaletteController::eventFilter(QObject* watched, QEvent* event) {
       break;
   }
   return QObject::eventFilter(watched, event);
+}
+
+QComboBox* PaletteController::makeChoicePopUp(const char* name,
+                                              std::span<const std::string_view> choices) {
+  QComboBox* popUp = makePopUp(name, {});
+  for (std::string_view choice : choices) {
+    const QString text = QString::fromUtf8(choice.data(), static_cast<qsizetype>(choice.size()));
+    popUp->addItem(text, text);
+  }
+  return popUp;
+}
+
+void PaletteController::addLabelledRow(QFormLayout* form, const QString& label,
+                                       std::initializer_list<QWidget*> controls) {
+  form->addRow(tr(label.toUtf8().constData()),
+               controls.size() == 1 ? *controls.begin() : makeRow(controls));
+}
+
+namespace {
+
+// The number a warning judges: a vector's shown component, or the value.
+double numberOf(const FieldValue& value, int component) {
+  return std::visit(
+      [component](const auto& v) {
+        using T = std::decay_t<decltype(v)>;
+        if constexpr (std::is_same_v<T, Vector>) {
+          return component == 0 ? v.x : component == 1 ? v.y : v.z;
+        } else if constexpr (std::is_arithmetic_v<T>) {
+          return static_cast<double>(v);
+        } else {
+          return 0.0;
+        }
+      },
+      value);
+}
+
+QString text(std::string_view s) {
+  return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
+}
+
+// Marks a text field whose value the world cannot use: the warning colour
+// behind its text and the reason as its tooltip.
+void markWarning(QWidget* control, const char* problem, std::string_view help) {
+  const QString tip = problem != nullptr ? QString::fromUtf8(problem) : text(help);
+  if (control->toolTip() != tip) {
+    control->setToolTip(tip);
+  }
+  const bool marked = problem != nullptr;
+  if (control->property("warning").toBool() != marked) {
+    control->setProperty("warning", marked);
+    QPalette palette = control->parentWidget() != nullptr ? control->parentWidget()->palette()
+                                                          : QApplication::palette();
+    if (marked) {
+      palette.setColor(QPalette::Base, QColor(255, 214, 153));
+    }
+    control->setPalette(palette);
+  }
+}
+
+}  // namespace
+
+void PaletteController::showValue(QWidget* control, const ControlShape& shape,
+                                  const FieldValue& value, bool hasUseRule,
+                                  const char* unusedBecause) {
+  // A field that does nothing for the record as it stands is disabled but
+  // still shows its value, which takes effect once the field applies. Only
+  // fields with such a rule are enabled here; the others keep the state
+  // their palette gives them.
+  const bool used = unusedBecause == nullptr;
+  if (hasUseRule && control->isEnabled() != used) {
+    control->setEnabled(used);
+  }
+  if (auto* field = qobject_cast<QLineEdit*>(control)) {
+    QString shown;
+    switch (shape.type) {
+      case FieldType::Name:
+        shown = QString::fromStdString(std::get<std::string>(value));
+        break;
+      case FieldType::Integer:
+        shown = formatInt(std::get<int32_t>(value));
+        break;
+      default:
+        shown = formatReal(numberOf(value, shape.component));
+    }
+    showText(field, shown);
+    const char* problem =
+        shape.warning != nullptr ? shape.warning(numberOf(value, shape.component)) : nullptr;
+    markWarning(field, used ? problem : nullptr, used ? shape.help : unusedBecause);
+  } else if (auto* popUp = qobject_cast<QComboBox*>(control)) {
+    if (shape.type == FieldType::Flag) {
+      showFlag(popUp, std::get<bool>(value), shape.trueItem, shape.falseItem);
+    } else {
+      const auto index = static_cast<std::size_t>(std::get<int32_t>(value));
+      if (index < shape.choices.size()) {
+        selectItem(popUp, text(shape.choices[index]).toUtf8().constData());
+      }
+    }
+    const QString tip = used ? text(shape.help) : QString::fromUtf8(unusedBecause);
+    if (popUp->toolTip() != tip) {
+      popUp->setToolTip(tip);
+    }
+  } else if (auto* well = qobject_cast<ColorWell*>(control)) {
+    const auto& c = std::get<std::array<float, 3>>(value);
+    const float rgb[3] = {c[0], c[1], c[2]};
+    well->setComponents(rgb);
+  }
+}
+
+std::optional<FieldValue> PaletteController::readValue(QWidget* control, const ControlShape& shape,
+                                                       const FieldValue& current) const {
+  const auto refused = [&](double v) {
+    return shape.refusal != nullptr && shape.refusal(v) != nullptr;
+  };
+  const auto bounded = [&](double v) { return shape.bound != nullptr ? shape.bound(v) : v; };
+  if (auto* field = qobject_cast<QLineEdit*>(control)) {
+    switch (shape.type) {
+      case FieldType::Name:
+        return field->text().toStdString();
+      case FieldType::Integer: {
+        const int32_t i = readInt(field->text());
+        return refused(i) ? std::nullopt : std::optional<FieldValue>(i);
+      }
+      case FieldType::Single: {
+        const double v = static_cast<double>(narrowToFloat(readReal(field->text())));
+        return refused(v) ? std::nullopt
+                          : std::optional<FieldValue>(static_cast<float>(bounded(v)));
+      }
+      case FieldType::Vector: {
+        Vector v = std::get<Vector>(current);
+        const double r = readReal(field->text());
+        (shape.component == 0 ? v.x : shape.component == 1 ? v.y : v.z) = r;
+        return v;
+      }
+      default: {
+        const double v = readReal(field->text());
+        return refused(v) ? std::nullopt : std::optional<FieldValue>(bounded(v));
+      }
+    }
+  }
+  if (auto* popUp = qobject_cast<QComboBox*>(control)) {
+    if (shape.type == FieldType::Flag) {
+      bool flag = std::get<bool>(current);
+      readFlag(popUp, shape.trueItem, shape.falseItem, flag);
+      return flag;
+    }
+    const QByteArray chosen = popUp->currentData().toString().toUtf8();
+    if (const auto index = choiceNamed(
+            shape.choices,
+            std::string_view(chosen.constData(), static_cast<std::size_t>(chosen.size())), false)) {
+      return *index;
+    }
+    return std::nullopt;
+  }
+  if (auto* well = qobject_cast<ColorWell*>(control)) {
+    return well->components();
+  }
+  return std::nullopt;
 }

@@ -2,18 +2,44 @@
 
 #include <QObject>
 #include <QString>
+#include <cassert>
 #include <initializer_list>
 #include <memory>
+#include <optional>
+#include <span>
 #include <utility>
 
+#include "engine/field_table.h"
+
 class ColorWell;
-class Vector;
 class PaletteWindow;
+class QFormLayout;
 class QComboBox;
 class QLineEdit;
 class QTimer;
 class QVBoxLayout;
 class QWidget;
+
+// A palette control bound to one value of a row of a field table: a text
+// field for a number or a name (for a vector, one of its components), a
+// pop-up for a flag (its true and false items) or a choice (one item named as
+// each choice), or a colour well for a colour.
+template <typename R>
+struct FieldControl {
+  QWidget* control = nullptr;
+  const Field<R>* field = nullptr;
+  int component = 0;
+  const char* trueItem = nullptr;
+  const char* falseItem = nullptr;
+};
+
+// The row of a table whose member is the given one.
+template <typename R, typename M>
+const Field<R>* fieldOf(std::span<const Field<R>> table, M member) {
+  const std::size_t row = fieldRow(table, member);
+  assert(row < table.size());
+  return &table[row];
+}
 
 // What the three inspector palettes share: a tool window, the refresh timer
 // that copies the model into the controls while the palette is visible, the
@@ -88,12 +114,103 @@ class PaletteController : public QObject {
   static bool readVectorComponent(const QObject* sender, const QLineEdit* x, const QLineEdit* y,
                                   const QLineEdit* z, Vector& v);
 
+  // A text field bound to a field of a table: one component of a vector,
+  // or a number or a name. A pop-up for a choice has one item per choice,
+  // named and titled as the choice.
+  template <typename R>
+  static FieldControl<R> fieldControl(QWidget* control, const Field<R>* field, int component = 0) {
+    return {control, field, component, nullptr, nullptr};
+  }
+  // A pop-up bound to a flag, by its true and false items.
+  template <typename R>
+  static FieldControl<R> flagControl(QWidget* popUp, const Field<R>* field, const char* trueItem,
+                                     const char* falseItem) {
+    return {popUp, field, 0, trueItem, falseItem};
+  }
+  QComboBox* makeChoicePopUp(const char* name, std::span<const std::string_view> choices);
+  // Adds a row to a form: the field's label, then the controls side by side.
+  template <typename R>
+  void addFieldRow(QFormLayout* form, const Field<R>& field,
+                   std::initializer_list<QWidget*> controls) {
+    addLabelledRow(
+        form, QString::fromUtf8(field.label.data(), static_cast<qsizetype>(field.label.size())),
+        controls);
+  }
+
+  // Shows the record's value of a bound control (a text field that is being
+  // edited keeps its text). A value the record cannot use is marked with a
+  // warning colour and a tooltip that says what happens; a field that has no
+  // effect on the record as it stands is disabled, its tooltip saying why.
+  template <typename R>
+  void showField(const FieldControl<R>& c, const R& record) {
+    const auto rule = c.field->unusedBecause;
+    showValue(c.control, describe(c), readField(*c.field, record), rule != nullptr,
+              rule != nullptr ? rule(record) : nullptr);
+  }
+  // Writes a bound control's value into the record. A value the field
+  // refuses is not written (the refresh that follows shows the record's value
+  // again); false then.
+  template <typename R>
+  bool commitField(const FieldControl<R>& c, R& record) {
+    const std::optional<FieldValue> value = controlValue(c, record);
+    if (value) {
+      writeField(*c.field, *value, record);
+    }
+    return value.has_value();
+  }
+  // The value a bound control holds, as commitField would write it; nothing
+  // when the field refuses it.
+  template <typename R>
+  std::optional<FieldValue> controlValue(const FieldControl<R>& c, const R& record) const {
+    return readValue(c.control, describe(c), readField(*c.field, record));
+  }
+  // The bound control that is the sender, or null.
+  template <typename R>
+  static const FieldControl<R>* controlOf(std::span<const FieldControl<R>> controls,
+                                          const QObject* sender) {
+    for (const FieldControl<R>& c : controls) {
+      if (c.control == sender) {
+        return &c;
+      }
+    }
+    return nullptr;
+  }
+
   QLineEdit* selectedControl() const { return selectedControl_; }
   QVBoxLayout* windowLayout() const { return layout_; }
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  // What showing and reading a bound control needs of its row.
+  struct ControlShape {
+    FieldType type;
+    int component;
+    const char* trueItem;
+    const char* falseItem;
+    std::span<const std::string_view> choices;
+    FieldProblem warning;
+    FieldProblem refusal;
+    double (*bound)(double);
+    std::string_view help;
+  };
+  template <typename R>
+  static ControlShape describe(const FieldControl<R>& c) {
+    const Field<R>& f = *c.field;
+    std::span<const std::string_view> choices;
+    if (const auto* choice = std::get_if<ChoiceMember<R>>(&f.member)) {
+      choices = choice->names;
+    }
+    return {f.type(),  c.component, c.trueItem, c.falseItem, choices,
+            f.warning, f.refusal,   f.bound,    f.help};
+  }
+  void showValue(QWidget* control, const ControlShape& shape, const FieldValue& value,
+                 bool hasUseRule, const char* unusedBecause);
+  std::optional<FieldValue> readValue(QWidget* control, const ControlShape& shape,
+                                      const FieldValue& current) const;
+  void addLabelledRow(QFormLayout* form, const QString& label,
+                      std::initializer_list<QWidget*> controls);
+
   void updateControls();
   void beginEditing(QLineEdit* field);
   void commitField(QLineEdit* field);

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "engine/world.h"
+#include "engine/world_fields.h"
 #include "palettes/number_text.h"
 #include "palettes/palette_host.h"
 
@@ -31,14 +32,23 @@ void SimulationWindowController::buildWindow() {
                                   {"collisioninelasticmerge", tr("Inelastic, merge")},
                                   {"collisioninelasticnomerge", tr("Inelastic, no merge")},
                                   {"collisionother", tr("Other (coefficient e)")}});
-  form->addRow(tr("World name"), name_);
-  form->addRow(tr("Gravitational constant"), g_);
-  form->addRow(tr("Collision model"), collisiontype_);
-  form->addRow(tr("Restitution e"), e_);
-  form->addRow(tr("Time step"), timestep_);
-  form->addRow(tr("Adaptive time step"), adaptive_);
-  form->addRow(tr("Milliseconds per update"), speed_);
-  form->addRow(tr("Trace history points"), tracehistory_);
+  // Each control but the collision model shows and commits one row of the
+  // world's table; the rows give the labels.
+  const auto table = worldFields();
+  const auto bind = [&](const WorldField* field, QWidget* control) {
+    fields_.push_back(fieldControl(control, field));
+    addFieldRow(form, *field, {control});
+  };
+  bind(fieldOf(table, &World::name), name_);
+  bind(fieldOf(table, &World::gravitationalConstant), g_);
+  addFieldRow(form, *fieldOf(table, &World::merge), {collisiontype_});
+  bind(fieldOf(table, &World::restitution), e_);
+  bind(fieldOf(table, &World::timeStep), timestep_);
+  fields_.push_back(
+      flagControl(adaptive_, fieldOf(table, &World::adaptive), "adaptivetrue", "adaptivefalse"));
+  addFieldRow(form, *fieldOf(table, &World::adaptive), {adaptive_});
+  bind(fieldOf(table, &World::millisecondsPerUpdate), speed_);
+  bind(fieldOf(table, &World::traceHistoryPoints), tracehistory_);
 
   auto* line = new QFrame;
   line->setFrameShape(QFrame::HLine);
@@ -117,14 +127,9 @@ void SimulationWindowController::getValues() {
     return;
   }
   const World& w = host->world();
-  showText(name_, QString::fromUtf8(w.name));
-  showText(g_, formatReal(w.gravitationalConstant));
-  showText(e_, formatReal(w.restitution));
-  showText(speed_, formatReal(static_cast<double>(w.millisecondsPerUpdate)));
-  showText(timestep_, formatReal(w.timeStep));
-  showText(tracehistory_, formatInt(w.traceHistoryPoints));
-
-  showFlag(adaptive_, w.adaptive, "adaptivetrue", "adaptivefalse");
+  for (const FieldControl<World>& c : fields_) {
+    showField(c, w);
+  }
   if (w.merge) {
     selectItem(collisiontype_, "collisioninelasticmerge");
   } else if (userSelectedOtherE_) {
@@ -150,29 +155,22 @@ void SimulationWindowController::setValues(QObject* sender) {
   if (host == nullptr) {
     return;
   }
-  host->commitWorldEdit([&] { commitParameter(host->world(), sender); });
+  host->commitWorldEdit([&] {
+    if (sender == collisiontype_) {
+      commitCollisionModel();
+    } else if (const FieldControl<World>* c = controlOf<World>(fields_, sender)) {
+      if (c->control == speed_) {
+        // The controller bounds the speed, stores it and re-arms a running
+        // clock.
+        if (const auto speed = controlValue(*c, host->world())) {
+          host->setWorldSpeed(std::get<float>(*speed));
+        }
+      } else {
+        commitField(*c, host->world());
+      }
+    }
+  });
   getValues();
-}
-
-void SimulationWindowController::commitParameter(World& w, QObject* sender) {
-  if (sender == e_) {
-    w.restitution = readReal(e_->text());
-  } else if (sender == g_) {
-    w.gravitationalConstant = readReal(g_->text());
-  } else if (sender == speed_) {
-    // The controller bounds the speed, stores it and re-arms a running clock.
-    paletteHost()->setWorldSpeed(static_cast<float>(readReal(speed_->text())));
-  } else if (sender == timestep_) {
-    w.timeStep = readReal(timestep_->text());
-  } else if (sender == name_) {
-    w.setName(name_->text().toStdString());
-  } else if (sender == tracehistory_) {
-    w.traceHistoryPoints = readInt(tracehistory_->text());
-  } else if (sender == adaptive_) {
-    readFlag(adaptive_, "adaptivetrue", "adaptivefalse", w.adaptive);
-  } else if (sender == collisiontype_) {
-    commitCollisionModel();
-  }
 }
 
 void SimulationWindowController::commitCollisionModel() {

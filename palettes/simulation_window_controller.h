@@ -1,11 +1,13 @@
 #pragma once
 
+#include <vector>
+
+#include "engine/world.h"
 #include "palettes/palette_controller.h"
 
 class QComboBox;
 class QLineEdit;
 class QPushButton;
-class World;
 
 // The simulation palette: the world's parameters, its conserved quantities
 // and elapsed time, and the buttons that run, step, enter design mode and
@@ -37,8 +39,6 @@ class SimulationWindowController : public PaletteController {
 
  private:
   void buildWindow();
-  // Writes the committed control's value into the world.
-  void commitParameter(World& w, QObject* sender);
   void commitCollisionModel();
 
   QLineEdit* name_ = nullptr;
@@ -60,4 +60,6 @@ class SimulationWindowController : public PaletteController {
   // The user chose "other" and the pop-up keeps showing it, even when the
   // coefficient happens to be exactly 0 or 1.
   bool userSelectedOtherE_ = false;
+  // The controls that show the world's parameters.
+  std::vector<FieldControl<World>> fields_;
 };
