@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "view/orrenvale_gl.h"
 #include "view/view_host.h"
 
 namespace {
@@ -25,6 +26,61 @@ QAction* addCheckItem(QMenu* menu, const char* name, const QString& title) {
 }
 
 }  // namespace
+
+std::span<const ViewCommand> viewCommands() {
+  // Ctrl+= comes first and is the one the menu shows; Ctrl++ and the
+  // keypad's keys are what users of other programs reach for as well.
+  static const ViewCommand commands[] = {
+      {&AppMenus::menuPanUp,
+       "menuPanUp",
+       "Pan &Up",
+       {QKeySequence(Qt::CTRL | Qt::Key_Up)},
+       &OrrenvaleGL::keyPanUp},
+      {&AppMenus::menuPanDown,
+       "menuPanDown",
+       "Pan &Down",
+       {QKeySequence(Qt::CTRL | Qt::Key_Down)},
+       &OrrenvaleGL::keyPanDown},
+      {&AppMenus::menuPanLeft,
+       "menuPanLeft",
+       "Pan &Left",
+       {QKeySequence(Qt::CTRL | Qt::Key_Left)},
+       &OrrenvaleGL::keyPanLeft},
+      {&AppMenus::menuPanRight,
+       "menuPanRight",
+       "Pan &Right",
+       {QKeySequence(Qt::CTRL | Qt::Key_Right)},
+       &OrrenvaleGL::keyPanRight},
+      {&AppMenus::menuZin,
+       "menuZin",
+       "Zoom &In",
+       {QKeySequence(Qt::CTRL | Qt::Key_Equal), QKeySequence(Qt::CTRL | Qt::Key_Plus),
+        QKeySequence(Qt::ControlModifier | Qt::KeypadModifier | Qt::Key_Plus)},
+       &OrrenvaleGL::keyZoomIn},
+      {&AppMenus::menuZout,
+       "menuZout",
+       "Zoom &Out",
+       {QKeySequence(Qt::CTRL | Qt::Key_Minus),
+        QKeySequence(Qt::ControlModifier | Qt::KeypadModifier | Qt::Key_Minus)},
+       &OrrenvaleGL::keyZoomOut},
+      {&AppMenus::menuSelectNext,
+       "menuSelectNext",
+       "Select Ne&xt Body",
+       {QKeySequence(Qt::CTRL | Qt::Key_BracketRight)},
+       &OrrenvaleGL::keySelectNext},
+      {&AppMenus::menuSelectPrev,
+       "menuSelectPrev",
+       "Select Pre&vious Body",
+       {QKeySequence(Qt::CTRL | Qt::Key_BracketLeft)},
+       &OrrenvaleGL::keySelectPrev},
+      {&AppMenus::menuDeleteThis,
+       "menuDeleteThis",
+       "Delete Selected &Body",
+       {QKeySequence(Qt::CTRL | Qt::Key_Backspace)},
+       &OrrenvaleGL::keyDelete},
+  };
+  return commands;
+}
 
 AppMenus::AppMenus(QObject* parent) : QObject(parent), owner_(new QWidget) {
   auto* file = new QMenu("&File", owner_);
@@ -66,15 +122,9 @@ AppMenus::AppMenus(QObject* parent) : QObject(parent), owner_(new QWidget) {
   menuViewXZ = addCheckItem(view, "menuViewXZ", "Pan in X&Z");
   menuViewYZ = addCheckItem(view, "menuViewYZ", "Pan in &YZ");
   view->addSeparator();
-  menuPanUp = addItem(view, "menuPanUp", "Pan &Up");
-  menuPanDown = addItem(view, "menuPanDown", "Pan &Down");
-  menuPanLeft = addItem(view, "menuPanLeft", "Pan &Left");
-  menuPanRight = addItem(view, "menuPanRight", "Pan &Right");
-  menuZin = addItem(view, "menuZin", "Zoom &In");
-  menuZout = addItem(view, "menuZout", "Zoom &Out");
-  menuSelectNext = addItem(view, "menuSelectNext", "Select Ne&xt Body");
-  menuSelectPrev = addItem(view, "menuSelectPrev", "Select Pre&vious Body");
-  menuDeleteThis = addItem(view, "menuDeleteThis", "Delete Selected &Body");
+  for (const ViewCommand& c : viewCommands()) {
+    this->*c.item = addItem(view, c.name, c.title);
+  }
   view->addSeparator();
   menuViewTIFF = addItem(view, "menuViewTIFF", "&Export View to TIFF...");
 
@@ -140,21 +190,9 @@ std::vector<QAction*> AppMenus::commandItems() const {
 }
 
 void AppMenus::setUpViewMenu() {
-  menuDeleteThis->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Backspace));
-  menuPanDown->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Down));
-  menuPanUp->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Up));
-  menuPanRight->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Right));
-  menuPanLeft->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Left));
-  menuSelectNext->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_BracketRight));
-  menuSelectPrev->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_BracketLeft));
-  // Ctrl+= comes first and is the one the menu shows; Ctrl++ and the keypad's
-  // keys are what users of other programs reach for as well.
-  menuZin->setShortcuts(QList<QKeySequence>{
-      QKeySequence(Qt::CTRL | Qt::Key_Equal), QKeySequence(Qt::CTRL | Qt::Key_Plus),
-      QKeySequence(Qt::ControlModifier | Qt::KeypadModifier | Qt::Key_Plus)});
-  menuZout->setShortcuts(
-      QList<QKeySequence>{QKeySequence(Qt::CTRL | Qt::Key_Minus),
-                          QKeySequence(Qt::ControlModifier | Qt::KeypadModifier | Qt::Key_Minus)});
+  for (const ViewCommand& c : viewCommands()) {
+    (this->*c.item)->setShortcuts(c.keys);
+  }
 }
 
 void AppMenus::showSimulationState(bool running, bool editing) {
@@ -167,10 +205,11 @@ void AppMenus::showSimulationState(bool running, bool editing) {
 }
 
 void AppMenus::togglePrintEtcEnabled(bool enabled) {
-  for (QAction* action :
-       {menuFilePrint, menuFileMovie, menuViewTIFF, menuDeleteThis, menuPanDown, menuPanLeft,
-        menuPanRight, menuPanUp, menuSelectNext, menuSelectPrev, menuZin, menuZout}) {
+  for (QAction* action : {menuFilePrint, menuFileMovie, menuViewTIFF}) {
     action->setEnabled(enabled);
+  }
+  for (const ViewCommand& c : viewCommands()) {
+    (this->*c.item)->setEnabled(enabled);
   }
 }
 

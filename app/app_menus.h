@@ -1,13 +1,31 @@
 #pragma once
 
+#include <QKeySequence>
+#include <QList>
 #include <QObject>
 #include <QString>
+#include <span>
 #include <vector>
 
+class AppMenus;
+class OrrenvaleGL;
 class QAction;
 class QMenu;
 class QMenuBar;
 class QWidget;
+
+// One of the nine view commands: its item, the item's name and title, its
+// keys, and the operation it runs on the current view.
+struct ViewCommand {
+  QAction* AppMenus::*item;
+  const char* name;
+  const char* title;
+  QList<QKeySequence> keys;
+  void (OrrenvaleGL::*run)();
+};
+
+// The view commands in the order of the View menu.
+std::span<const ViewCommand> viewCommands();
 
 // The application's one set of menus, shown in the menu bar of every window:
 // their items with titles, key equivalents, enabled states and check marks,

@@ -9,11 +9,13 @@
 #include <QTimer>
 
 #include "app_menus.h"
+#include "controller_host.h"
 #include "design_history.h"
 #include "document/long_step.h"
 #include "document/world_document.h"
 #include "engine/world.h"
 #include "engine/world_fields.h"
+#include "movie_recorder.h"
 #include "opengl_check.h"
 #include "orrenvale_gl_window_controller.h"
 #include "palettes/body_window_controller.h"
@@ -52,12 +54,13 @@ void placePalette(QWidget* window, int dx, int dy) {
 // program's own timers wait as they do for any modal dialog.
 class PanelStepWatch : public LongStepWatch {
  public:
+  explicit PanelStepWatch(Panels* panels) : panels_(panels) {}
   void endStep() { panel_.reset(); }
 
  protected:
   bool report(const StepProgress& progress, double seconds) override {
-    if (panel_ == nullptr && panels() != nullptr) {
-      panel_ = panels()->openProgress(nullptr, QStringLiteral("Long Step"));
+    if (panel_ == nullptr && panels_ != nullptr) {
+      panel_ = panels_->openProgress(nullptr, QStringLiteral("Long Step"));
     }
     return panel_ == nullptr ||
            panel_->update(longStepFraction(progress),
@@ -65,22 +68,25 @@ class PanelStepWatch : public LongStepWatch {
   }
 
  private:
+  Panels* panels_;
   std::unique_ptr<Panels::Progress> panel_;
 };
 
 }  // namespace
 
-Controller::Controller(Panels* dialogs) : panels_(dialogs) {
-  setViewHost(this);
+Controller::Controller(Panels* dialogs)
+    : panels_(dialogs),
+      panType_(kPanTypeXY),
+      host_(std::make_unique<ControllerHost>(*this, dialogs)) {
   setBodyObserver(this);
 
   // Every window carries its own menu bar, as the views' key commands and
   // the palettes expect; a desktop's global menu is not used.
   QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
 
-  // init
   w = new World;
   menus_ = std::make_unique<AppMenus>(this);
+  movies_ = std::make_unique<MovieExport>(*dialogs);
   history_ = std::make_unique<DesignHistory>(
       *w, [this](Body* body, std::string_view name) { worldRenameBody(body, name); });
   predictor_ = std::make_unique<PathPredictor>();
@@ -89,28 +95,32 @@ Controller::Controller(Panels* dialogs) : panels_(dialogs) {
   editMenu->addAction(history_->undoAction());
   editMenu->addAction(history_->redoAction());
   connectMenus();
-  viewPalette_ = std::make_unique<ViewWindowController>();
-  bodyPalette_ = std::make_unique<BodyWindowController>();
-  simPalette_ = std::make_unique<SimulationWindowController>();
-  textPalette_ = std::make_unique<TextOutputController>();
-  graphsPalette_ = std::make_unique<GraphsWindowController>();
+  viewPalette_ = std::make_unique<ViewWindowController>(*host_);
+  bodyPalette_ = std::make_unique<BodyWindowController>(*host_);
+  simPalette_ = std::make_unique<SimulationWindowController>(*host_);
+  textPalette_ = std::make_unique<TextOutputController>(*host_);
+  graphsPalette_ = std::make_unique<GraphsWindowController>(*host_);
   placePalette(viewPalette_->window(), 4, 0);
   placePalette(bodyPalette_->window(), 34, 25);
   placePalette(simPalette_->window(), 64, 50);
   placePalette(graphsPalette_->window(), 94, 75);
-  windows_ = std::make_unique<ViewWindowRegistry>(ViewWindowRegistry::Hooks{
-      [this](QMenuBar* bar) { populateMenuBar(bar); },
-      [this](QWidget* window, const QString& title) { setWindowTitleAndMinSize(window, title); },
-      // What a view window's windowDidBecomeMain and windowWillClose send.
-      [this](bool main) {
-        viewPalette_->setCEnabled(main);
-        togglePrintEtcEnabled(main);
-        setBodyListEnabled(main);
-      },
-      [this](bool byUser) { checkWindowsLeft(byUser); }});
+  windows_ = std::make_unique<ViewWindowRegistry>(
+      *host_, ViewWindowRegistry::Hooks{
+                  [this](QMenuBar* bar) { menus_->populateMenuBar(bar); },
+                  [this](QWidget* window, const QString& title) {
+                    setWindowTitleAndMinSize(window, title);
+                  },
+                  // What a view window's windowDidBecomeMain and windowWillClose send.
+                  [this](bool main) {
+                    viewPalette_->setCEnabled(main);
+                    togglePrintEtcEnabled(main);
+                    setBodyListEnabled(main);
+                  },
+                  [this](bool byUser) { checkWindowsLeft(byUser); }});
   new TextFieldKeys(this);
 
-  // awakeFromNib
+  // The acceleration timer starts at once, and the view commands take their
+  // keys.
   clock_ = std::make_unique<SimulationClock>([this] { timerUpdate(); },
                                              [this] { getAccelerations(); }, this);
   setUpViewMenu();
@@ -119,6 +129,7 @@ Controller::Controller(Panels* dialogs) : panels_(dialogs) {
 Controller::~Controller() {
   // The bodies' destructors would report to the menus; they go silently.
   setBodyObserver(nullptr);
+  movies_.reset();
   predictor_.reset();
   clock_.reset();
   windows_.reset();
@@ -129,7 +140,6 @@ Controller::~Controller() {
   textPalette_.reset();
   graphsPalette_.reset();
   delete w;
-  setViewHost(nullptr);
   menus_.reset();
 }
 
@@ -155,12 +165,12 @@ bool Controller::applicationDidFinishLaunching() {
   return true;
 }
 
-bool Controller::running() const {
-  return clock_ != nullptr && clock_->running();
+PaletteHost& Controller::host() const {
+  return *host_;
 }
 
-QTimer* Controller::updateTimer() const {
-  return clock_->updateTimer();
+bool Controller::running() const {
+  return clock_ != nullptr && clock_->running();
 }
 
 void Controller::showSimulationState() {
@@ -188,11 +198,11 @@ void Controller::setUpdateTimerWithSpeed(float millisecondsPerUpdate) {
 }
 
 void Controller::timerUpdate() {
-  stepSim(nullptr);
+  stepSim();
 }
 
-void Controller::stepSim(QObject* /*sender*/) {
-  PanelStepWatch watch;
+void Controller::stepSim() {
+  PanelStepWatch watch(panels_);
   watch.beginStep();
   const bool stepped = w->step(&watch);
   watch.endStep();
@@ -216,7 +226,7 @@ void Controller::stopSim() {
   showSimulationState();
 }
 
-void Controller::toggleSim(QObject* /*sender*/) {
+void Controller::toggleSim() {
   if (running()) {
     stopSim();
   } else {

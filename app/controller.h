@@ -5,42 +5,43 @@
 #include <QString>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string_view>
-#include <vector>
 
 #include "document/plist_value.h"
 #include "engine/body.h"
-#include "palettes/palette_host.h"
 
 class AppMenus;
 class BodyWindowController;
+class ControllerHost;
 class DesignHistory;
 class GraphsWindowController;
-class PathPredictor;
+class MovieExport;
 class OrrenvaleGL;
-class PaletteController;
 class OrrenvaleGLWindowController;
+class PaletteController;
+class PaletteHost;
+class PathPredictor;
 class Panels;
 class QAction;
-class QTimer;
 class SimulationClock;
 class SimulationWindowController;
 class SplashWindow;
 class TextOutputController;
+class View;
 class ViewWindowController;
 class ViewWindowRegistry;
 class World;
 
-// The application's one central object: the host that views, palettes and
-// the engine reach (through setViewHost and the body observer), and a thin
-// front over the parts that do the work: the simulation clock, the registry
-// of view windows and the menus. It owns the world, the design state and
-// the palettes. Its operations are spread over files by subject:
-// controller.cpp (life cycle, clock), palette_toggles.cpp, design_mode.cpp
-// (design state and its undo history), document_commands.cpp,
+// The application's one central object. It owns the world, the design state,
+// the palettes and the parts that do the work: the simulation clock, the
+// registry of view windows, the menus, the design's undo history, the path
+// predictor and the movie export. Views and palettes reach it through the
+// host it hands them (ControllerHost); the engine tells it of every body
+// through the body observer. Its operations are the application's commands,
+// spread over files by subject: controller.cpp (life cycle, clock),
+// palette_toggles.cpp, design_mode.cpp, document_commands.cpp,
 // view_commands.cpp (view windows, bodies) and menu_wiring.cpp (menus).
-class Controller : public QObject, public PaletteHost, public BodyObserver {
+class Controller : public QObject, public BodyObserver {
   Q_OBJECT
 
  public:
@@ -56,49 +57,46 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   // XY pan plane and starts a new program. False when the program must quit.
   bool applicationDidFinishLaunching();
 
-  // Accessors (ViewHost and PaletteHost).
-  World& world() override { return *w; }
-  bool running() const override;
-  bool editing() const override { return editing_; }
-  int panType() const override { return panType_; }
-  Panels* panels() override { return panels_; }
+  World& world() { return *w; }
+  bool running() const;
+  bool editing() const { return editing_; }
+  int panType() const { return panType_; }
+  const PlistDict& editState() const { return editState_; }
   SimulationWindowController* simulationPaletteController() const { return simPalette_.get(); }
   ViewWindowController* viewPaletteController() const { return viewPalette_.get(); }
   BodyWindowController* bodyPaletteController() const { return bodyPalette_.get(); }
   TextOutputController* textPaletteController() const { return textPalette_.get(); }
   GraphsWindowController* graphsPaletteController() const { return graphsPalette_.get(); }
-  const PlistDict& editState() const { return editState_; }
-  // A palette is shown exactly while its menu item is checked.
-  bool simPaletteVisible() const;
-  bool viewPaletteVisible() const;
-  bool bodyPaletteVisible() const;
-  bool textPaletteVisible() const;
-  bool graphsPaletteVisible() const;
-  QTimer* updateTimer() const;
-  SplashWindow* splashWindow() const;
+
+  // The parts, which the menus and palettes reach as the application's.
   AppMenus& menus() const { return *menus_; }
-  // The menu item with the given name (menuSimRun, menuBody, ...), or null.
-  QAction* menuItem(const QString& name) const;
-  std::vector<QAction*> bodyMenuItems() const;
+  SimulationClock& clock() const { return *clock_; }
+  ViewWindowRegistry& windows() const { return *windows_; }
+  DesignHistory& history() const { return *history_; }
+  PathPredictor& predictor() const { return *predictor_; }
+  MovieExport& movies() const { return *movies_; }
+  PaletteHost& host() const;
+  SplashWindow* splashWindow() const;
 
   // Simulation clock.
-  void setWorldSpeed(float millisecondsPerUpdate) override;
+  void setWorldSpeed(float millisecondsPerUpdate);
   void setUpdateTimerWithSpeed(float millisecondsPerUpdate);
   void timerUpdate();
   void runSim();
   void stopSim();
-  void toggleSim(QObject* sender) override;
-  void stepSim(QObject* sender) override;
+  void toggleSim();
+  void stepSim();
   void getAccelerations();
 
   // Design mode.
-  void edit(QObject* sender) override;
-  void editCurrent(QObject* sender);
-  void revertSim(QObject* sender);
-  void resetSim(QObject* sender);
+  void edit();
+  void editCurrent();
+  void revertSim();
+  // The Reset command: an empty design, the world's reset values and one
+  // view window.
   void resetSim();
   void newProgram();
-  void menuNew(QObject* sender);
+  void menuNew();
 
   // Datafile state.
   void saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool getViews, bool getSim);
@@ -106,18 +104,18 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
                                   bool getSim);
 
   // Document commands.
-  void openDocumentFromMenu(QObject* sender);
-  void saveDocumentFromMenu(QObject* sender);
+  void openDocumentFromMenu();
+  void saveDocumentFromMenu();
   // Opens a datafile handed to the program (its command line); true once
   // the load is done, whatever the file held.
   bool openFile(const QString& path);
-  void exportTIFF(QObject* sender);
-  void printScreen(QObject* sender);
+  void exportTIFF();
+  void printScreen();
 
   // View windows and menus.
-  void newView(QObject* sender);
+  void newView();
   OrrenvaleGLWindowController* newWindow();
-  void setWindowTitleAndMinSize(QWidget* window, const QString& title) override;
+  void setWindowTitleAndMinSize(QWidget* window, const QString& title);
   void closeAllWindows();
   void setUpViewMenu();
   void handleViewKeyCommands(QAction* sender);
@@ -125,51 +123,41 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   void togglePrintEtcEnabled(bool enabled);
   void setBodyListEnabled(bool enabled);
   void selectBodyFromMenu(QAction* sender);
-  void newBody(QObject* sender) override;
-  void deleteAllBodies(QObject* sender);
-  // Deletes the current view's selected body, as the view's delete key does.
-  void deleteSelectedBody(QObject* sender);
-  // Closes the active window as its close box would: a view window closes,
-  // a palette is hidden through its toggle.
-  void closeActiveWindow(QObject* sender);
-
-  // Edits of the design, through its undo history (recorded in design mode
-  // only), and the paths predicted for it.
-  void deleteBody(int32_t id) override;
-  void bodyDragged(const BodyDrag& drag) override;
-  const PredictedPaths* predictedPaths(double horizon) override;
-  void commitBodyEdit(Body& body, const std::function<void()>& apply) override;
-  void commitWorldEdit(const std::function<void()>& apply) override;
-  DesignHistory& history() const { return *history_; }
-  PathPredictor& predictor() const { return *predictor_; }
+  void newBody();
+  void deleteAllBodies();
+  // The main view window's view, or null when no view window is main.
+  OrrenvaleGL* currentGLView() const;
+  View* currentView() const;
 
   // Body menu callbacks.
   void worldCreateBody(Body& body) override;
   void worldDeleteBody(Body& body) override;
-  void worldRenameBody(Body* body, std::string_view newName) override;
+  void worldRenameBody(Body* body, std::string_view newName);
 
-  // Palette toggles.
-  void showSimulationPaletteFromMenu(QObject* sender) override;
-  void showViewPaletteFromMenu(QObject* sender) override;
-  void showBodyPaletteFromMenu(QObject* sender) override;
-  void showOutputPaletteFromMenu(QObject* sender) override;
-  void showGraphsPaletteFromMenu(QObject* sender) override;
-
-  // The main view window: the view window activated last, or null.
-  OrrenvaleGLWindowController* mainWindowController() const;
-  View* currentView() override;
-  QWidget* currentViewWindow() override;
-  OrrenvaleGL* currentGLView() const;
-  // Open view windows, oldest first.
-  const std::vector<OrrenvaleGLWindowController*>& viewWindows() const;
-  ViewWindowRegistry& viewWindowRegistry() const { return *windows_; }
-  void populateMenuBar(QMenuBar* bar) override;
+  // Palette toggles. A palette whose window is closing passes itself as the
+  // sender, so the controller does not close the window a second time.
+  void showSimulationPaletteFromMenu(QObject* sender);
+  void showViewPaletteFromMenu(QObject* sender);
+  void showBodyPaletteFromMenu(QObject* sender);
+  void showOutputPaletteFromMenu(QObject* sender);
+  void showGraphsPaletteFromMenu(QObject* sender);
 
  private:
   // Connects every command item of the menus to its operation.
   void connectMenus();
   // The menus' simulation items as the clock and design mode require.
   void showSimulationState();
+  // Clears the world, the log and the graphs and closes every view window.
+  void clearEverything();
+  // Before New and Open: asks whether to save the world first, and saves it
+  // when asked to. False when the user cancelled.
+  bool confirmSaveFirst();
+  // The Delete Body item: deletes the current view's selected body, as the
+  // view's delete command does.
+  void deleteSelectedBody();
+  // Closes the active window as its close box would: a view window closes,
+  // a palette is hidden through its toggle.
+  void closeActiveWindow();
   // Once control is back in the event loop: when no view window and no
   // palette is left on screen, quit if the user closed the last window,
   // otherwise show the Simulation palette so the menus stay reachable.
@@ -188,12 +176,14 @@ class Controller : public QObject, public PaletteHost, public BodyObserver {
   Panels* panels_;
   bool editing_ = false;
   PlistDict editState_;
-  int panType_ = kPanTypeXY;
+  int panType_;
   bool loadingDesign_ = false;
 
   std::unique_ptr<AppMenus> menus_;
+  std::unique_ptr<ControllerHost> host_;
   std::unique_ptr<DesignHistory> history_;
   std::unique_ptr<PathPredictor> predictor_;
+  std::unique_ptr<MovieExport> movies_;
   std::unique_ptr<SimulationWindowController> simPalette_;
   std::unique_ptr<ViewWindowController> viewPalette_;
   std::unique_ptr<BodyWindowController> bodyPalette_;

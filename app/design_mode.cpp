@@ -10,7 +10,7 @@
 #include "view/path_predictor.h"
 #include "view_window_registry.h"
 
-void Controller::edit(QObject* /*sender*/) {
+void Controller::edit() {
   stopSim();
   if (editing_) {
     saveCurrentStateToDict(editState_, true, true, true);
@@ -26,14 +26,14 @@ void Controller::edit(QObject* /*sender*/) {
   showSimulationState();
 }
 
-void Controller::editCurrent(QObject* /*sender*/) {
+void Controller::editCurrent() {
   editing_ = false;
   simPalette_->setControlsState();
   saveCurrentStateToDict(editState_, true, true, true);
-  edit(nullptr);
+  edit();
 }
 
-void Controller::revertSim(QObject* /*sender*/) {
+void Controller::revertSim() {
   stopSim();
   loadDesignState();
   simPalette_->setControlsState();
@@ -50,7 +50,7 @@ void Controller::loadDesignState() {
   windows_->rememberDesignWindows();
 }
 
-void Controller::resetSim() {
+void Controller::clearEverything() {
   closeAllWindows();
   w->reset();
   editing_ = false;
@@ -60,50 +60,34 @@ void Controller::resetSim() {
   graphsPalette_->clearHistory();
 }
 
-void Controller::resetSim(QObject* /*sender*/) {
+void Controller::resetSim() {
   history_->clear();
   editState_ = PlistDict();
-  resetSim();
-  editCurrent(nullptr);
+  clearEverything();
+  editCurrent();
 }
 
 void Controller::newProgram() {
   history_->clear();
-  resetSim();
+  clearEverything();
   newWindow();
   editing_ = false;
-  editCurrent(nullptr);
+  editCurrent();
 }
 
-void Controller::menuNew(QObject* /*sender*/) {
+void Controller::menuNew() {
+  if (confirmSaveFirst()) {
+    newProgram();
+  }
+}
+
+bool Controller::confirmSaveFirst() {
   const Panels::Answer answer = panels_->confirmSaveFirst(nullptr);
   if (answer == Panels::Answer::Cancel) {
-    return;
+    return false;
   }
   if (answer == Panels::Answer::Save) {
-    saveDocumentFromMenu(nullptr);
+    saveDocumentFromMenu();
   }
-  newProgram();
-}
-
-// Edits of the design go through its undo history; the paths shown in
-// design mode are predicted from it.
-void Controller::deleteBody(int32_t id) {
-  history_->deleteBody(id);
-}
-
-void Controller::bodyDragged(const BodyDrag& drag) {
-  history_->bodyDragged(drag);
-}
-
-const PredictedPaths* Controller::predictedPaths(double horizon) {
-  return predictor_->paths(*w, horizon);
-}
-
-void Controller::commitBodyEdit(Body& body, const std::function<void()>& apply) {
-  history_->commitBodyEdit(body, apply);
-}
-
-void Controller::commitWorldEdit(const std::function<void()>& apply) {
-  history_->commitWorldEdit(apply);
+  return true;
 }

@@ -40,7 +40,7 @@ void Controller::saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool ge
     // View windows are written oldest first, numbered from 0.
     PlistDict section;
     int counter = 0;
-    for (OrrenvaleGLWindowController* window : viewWindows()) {
+    for (OrrenvaleGLWindowController* window : windows_->windows()) {
       section.insert(QString::number(counter),
                      PlistValue(writeViewDict(*window->CGLview()->view())));
       ++counter;
@@ -56,7 +56,7 @@ void Controller::saveCurrentStateToDict(PlistDict& dict, bool getBodies, bool ge
 
 void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodies, bool getViews,
                                             bool getSim) {
-  resetSim();
+  clearEverything();
   LoadHooks hooks;
   hooks.renameBody = [this](Body& body, std::string_view name) { worldRenameBody(&body, name); };
   hooks.loadViews = [this](const PlistValue& value) {
@@ -83,13 +83,9 @@ void Controller::loadToCurrentStateFromDict(const PlistDict* dict, bool getBodie
   loadToWorldFromDict(*w, dict, DocumentSections{getBodies, getViews, getSim}, hooks);
 }
 
-void Controller::openDocumentFromMenu(QObject* /*sender*/) {
-  const Panels::Answer answer = panels_->confirmSaveFirst(nullptr);
-  if (answer == Panels::Answer::Cancel) {
+void Controller::openDocumentFromMenu() {
+  if (!confirmSaveFirst()) {
     return;
-  }
-  if (answer == Panels::Answer::Save) {
-    saveDocumentFromMenu(nullptr);
   }
   const std::optional<Panels::OpenChoice> choice = panels_->runOpenPanel(nullptr);
   if (!choice) {
@@ -102,10 +98,10 @@ void Controller::openDocumentFromMenu(QObject* /*sender*/) {
   const DocumentReadResult read = readDocumentFile(choice->path);
   loadToCurrentStateFromDict(read.dict ? &*read.dict : nullptr, choice->bodies, choice->views,
                              choice->simulation);
-  editCurrent(nullptr);
+  editCurrent();
 }
 
-void Controller::saveDocumentFromMenu(QObject* /*sender*/) {
+void Controller::saveDocumentFromMenu() {
   const std::optional<Panels::SaveChoice> choice = panels_->runSavePanel(nullptr);
   if (!choice) {
     return;
@@ -123,7 +119,7 @@ void Controller::saveDocumentFromMenu(QObject* /*sender*/) {
   // A failed write is not reported; QSaveFile leaves any old file intact.
   writePlistFile(choice->path, PlistValue(std::move(dict)));
   if (resumeDesign) {
-    editCurrent(nullptr);
+    editCurrent();
   }
 }
 
@@ -131,11 +127,11 @@ bool Controller::openFile(const QString& path) {
   history_->clear();
   const DocumentReadResult read = readDocumentFile(path);
   loadToCurrentStateFromDict(read.dict ? &*read.dict : nullptr, true, true, true);
-  editCurrent(nullptr);
+  editCurrent();
   return true;
 }
 
-void Controller::exportTIFF(QObject* /*sender*/) {
+void Controller::exportTIFF() {
   OrrenvaleGL* view = currentGLView();
   if (view == nullptr) {
     return;
@@ -160,7 +156,7 @@ void Controller::exportTIFF(QObject* /*sender*/) {
   }
 }
 
-void Controller::printScreen(QObject* /*sender*/) {
+void Controller::printScreen() {
   OrrenvaleGL* view = currentGLView();
   if (view == nullptr) {
     return;

@@ -25,8 +25,8 @@ QString aboutText() {
       .arg(QStringLiteral(ORRENVALE_VERSION));
 }
 
-void showAbout(QWidget* parent) {
-  panels()->about(parent, QStringLiteral("About Orrenvale"), aboutText());
+void showAbout(Panels& panels, QWidget* parent) {
+  panels.about(parent, QStringLiteral("About Orrenvale"), aboutText());
 }
 
 QStringList helpDocumentCandidates() {
@@ -46,21 +46,21 @@ QString helpDocumentPath() {
   return {};
 }
 
-bool openHelp() {
+bool openHelp(Panels& panels) {
   const QString title = QStringLiteral("Orrenvale Help");
   const QString path = helpDocumentPath();
   if (path.isEmpty()) {
-    panels()->alert(nullptr, title,
-                    QStringLiteral("The manual was not found (looked for %1). The manual page "
-                                   "\"man orrenvale\" describes the program as well.")
-                        .arg(helpDocumentCandidates().join(QStringLiteral(", "))));
+    panels.alert(nullptr, title,
+                 QStringLiteral("The manual was not found (looked for %1). The manual page "
+                                "\"man orrenvale\" describes the program as well.")
+                     .arg(helpDocumentCandidates().join(QStringLiteral(", "))));
     return false;
   }
   if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
-    panels()->alert(nullptr, title,
-                    QStringLiteral("No program to show %1 was found; open it in a text editor, "
-                                   "or read the manual page \"man orrenvale\".")
-                        .arg(path));
+    panels.alert(nullptr, title,
+                 QStringLiteral("No program to show %1 was found; open it in a text editor, "
+                                "or read the manual page \"man orrenvale\".")
+                     .arg(path));
     return false;
   }
   return true;

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+class Panels;
 class QWidget;
 
 // The Help menu's commands: "About Orrenvale" and "Orrenvale Help".
@@ -11,7 +12,7 @@ class QWidget;
 // is, and its licence.
 QString aboutText();
 // Shows the About box.
-void showAbout(QWidget* parent);
+void showAbout(Panels& panels, QWidget* parent);
 
 // Where the manual (the README) may be, in this order: installed beside the
 // program (<prefix>/share/doc/orrenvale/README.md for
@@ -22,4 +23,4 @@ QStringList helpDocumentCandidates();
 QString helpDocumentPath();
 // Opens the manual in the desktop's viewer for its type; false, after an
 // alert saying why, when there is no manual or no viewer.
-bool openHelp();
+bool openHelp(Panels& panels);

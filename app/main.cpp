@@ -52,8 +52,8 @@ int main(int argc, char* argv[]) {
       if (QWidget* splash = controller.splashWindow()) {
         splash->close();
       }
-      controller.edit(nullptr);
-      controller.toggleSim(nullptr);
+      controller.edit();
+      controller.toggleSim();
     });
     QTimer::singleShot(5000, &controller, [target] {
       if (QScreen* screen = QGuiApplication::primaryScreen()) {

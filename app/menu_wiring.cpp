@@ -13,7 +13,7 @@
 void Controller::connectMenus() {
   AppMenus& m = *menus_;
   const auto on = [this](QAction* item, auto operation) {
-    connect(item, &QAction::triggered, this, [this, item, operation] { (this->*operation)(item); });
+    connect(item, &QAction::triggered, this, operation);
   };
   on(m.menuFileNew, &Controller::menuNew);
   on(m.menuFileOpen, &Controller::openDocumentFromMenu);
@@ -25,17 +25,17 @@ void Controller::connectMenus() {
   // Qt flips a checkable item's mark itself; the commands set it from the
   // state they leave.
   on(m.menuSimRun, &Controller::toggleSim);
-  connect(m.menuSimRun, &QAction::triggered, this, &Controller::showSimulationState);
+  on(m.menuSimRun, &Controller::showSimulationState);
   on(m.menuSimStep, &Controller::stepSim);
   on(m.menuSimEdit, &Controller::edit);
-  connect(m.menuSimEdit, &QAction::triggered, this, &Controller::showSimulationState);
+  on(m.menuSimEdit, &Controller::showSimulationState);
   // The current world becomes the design: the old design's history goes.
   connect(m.menuSimEditCurrent, &QAction::triggered, this, [this] {
     history_->clear();
-    editCurrent(menus_->menuSimEditCurrent);
+    editCurrent();
   });
   on(m.menuSimRevert, &Controller::revertSim);
-  connect(m.menuSimReset, &QAction::triggered, this, [this] { resetSim(menus_->menuSimReset); });
+  on(m.menuSimReset, &Controller::resetSim);
 
   // A toggle sets its own check mark; Qt's flip is taken back first.
   const auto toggle = [this](QAction* item, void (Controller::*operation)(QObject*)) {
@@ -54,36 +54,23 @@ void Controller::connectMenus() {
   for (QAction* plane : {m.menuViewXY, m.menuViewXZ, m.menuViewYZ}) {
     connect(plane, &QAction::triggered, this, [this, plane] { setPanType(plane); });
   }
-  for (QAction* command : {m.menuPanUp, m.menuPanDown, m.menuPanLeft, m.menuPanRight, m.menuZin,
-                           m.menuZout, m.menuSelectNext, m.menuSelectPrev, m.menuDeleteThis}) {
-    connect(command, &QAction::triggered, this,
-            [this, command] { handleViewKeyCommands(command); });
+  for (const ViewCommand& c : viewCommands()) {
+    QAction* item = m.*c.item;
+    connect(item, &QAction::triggered, this, [this, item] { handleViewKeyCommands(item); });
   }
   on(m.menuViewTIFF, &Controller::exportTIFF);
   connect(m.menuFileMovie, &QAction::triggered, this, [this] {
     if (OrrenvaleGL* view = currentGLView()) {
-      exportViewAsMovie(*view);
+      movies_->exportView(*view);
     }
   });
-  connect(m.menuHelpAbout, &QAction::triggered, this, [] { showAbout(nullptr); });
-  connect(m.menuHelpManual, &QAction::triggered, this, [] { openHelp(); });
+  connect(m.menuHelpAbout, &QAction::triggered, this, [this] { showAbout(*panels_, nullptr); });
+  connect(m.menuHelpManual, &QAction::triggered, this, [this] { openHelp(*panels_); });
   on(m.menuBodyCreateBody, &Controller::newBody);
   // Deletes the selected body of the current view, as the view's delete
   // command does; without a main view window it does nothing.
   on(m.menuBodyDeleteBody, &Controller::deleteSelectedBody);
   on(m.menuBodyDeleteAllBodies, &Controller::deleteAllBodies);
-}
-
-void Controller::populateMenuBar(QMenuBar* bar) {
-  menus_->populateMenuBar(bar);
-}
-
-QAction* Controller::menuItem(const QString& name) const {
-  return menus_->item(name);
-}
-
-std::vector<QAction*> Controller::bodyMenuItems() const {
-  return menus_->bodyItems();
 }
 
 void Controller::setUpViewMenu() {

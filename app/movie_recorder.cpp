@@ -22,8 +22,6 @@ const QString kTitle = QStringLiteral("Export View as Movie");
 // whatever its size).
 constexpr qsizetype kQueuedBytes = qsizetype{32} << 20;
 
-MovieRecorder* gActive = nullptr;
-
 QString cannotWrite(const QString& path, const QString& reason) {
   return QStringLiteral("%1 cannot be written (%2); no movie was saved.")
       .arg(QDir::toNativeSeparators(path), reason);
@@ -147,17 +145,10 @@ MovieRecorder::MovieRecorder(OrrenvaleGL& view, MovieSettings settings, QObject*
 MovieRecorder::~MovieRecorder() {
   detachFromView();
   queue_.reset();
-  if (gActive == this) {
-    gActive = nullptr;
-  }
-}
-
-MovieRecorder* MovieRecorder::active() {
-  return gActive;
 }
 
 bool MovieRecorder::start() {
-  if (gActive != nullptr || view_ == nullptr || queue_ != nullptr) {
+  if (view_ == nullptr || queue_ != nullptr) {
     error_ = QStringLiteral("a movie is being recorded already");
     return false;
   }
@@ -177,7 +168,6 @@ bool MovieRecorder::start() {
         QMetaObject::invokeMethod(
             this, [this, written, error] { encodingEnded(written, error); }, Qt::QueuedConnection);
       });
-  gActive = this;
   connect(view_, &OrrenvaleGL::frameDrawn, this, &MovieRecorder::takeFrame);
   connect(view_, &QObject::destroyed, this, [this] {
     // Half destroyed already: its connections and timer go with it.
@@ -265,16 +255,13 @@ void MovieRecorder::end(Outcome outcome, const QString& message) {
   // unfinished file is gone when this returns.
   queue_.reset();
   progress_.reset();
-  if (gActive == this) {
-    gActive = nullptr;
-  }
   QMetaObject::invokeMethod(
       this, [this, outcome, message] { emit finished(outcome, message); }, Qt::QueuedConnection);
 }
 
-MovieRecorder* exportViewAsMovie(OrrenvaleGL& view) {
-  Panels* dialogs = panels();
-  if (MovieRecorder::active() != nullptr) {
+MovieRecorder* MovieExport::exportView(OrrenvaleGL& view) {
+  Panels* dialogs = &panels_;
+  if (active_ != nullptr) {
     dialogs->alert(nullptr, kTitle,
                    "A movie is being recorded already: wait for it to finish or cancel it.");
     return nullptr;
@@ -308,11 +295,12 @@ MovieRecorder* exportViewAsMovie(OrrenvaleGL& view) {
     }
   }));
   QObject::connect(recorder, &MovieRecorder::finished, recorder,
-                   [recorder](MovieRecorder::Outcome outcome, const QString& message) {
-                     if (outcome == MovieRecorder::Outcome::Failed && panels() != nullptr) {
-                       panels()->alert(nullptr, kTitle, message);
+                   [this, recorder](MovieRecorder::Outcome outcome, const QString& message) {
+                     if (outcome == MovieRecorder::Outcome::Failed) {
+                       panels_.alert(nullptr, kTitle, message);
                      }
                      recorder->deleteLater();
                    });
+  active_ = recorder;
   return recorder;
 }

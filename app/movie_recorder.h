@@ -59,8 +59,6 @@ class MovieRecorder : public QObject {
   const MovieSettings& settings() const { return settings_; }
   int framesTaken() const { return framesTaken_; }
   QString errorString() const { return error_; }
-  // The recording under way, if any: one view at a time is recorded.
-  static MovieRecorder* active();
 
  signals:
   // Sent once, always from the event loop (never from inside start(),
@@ -86,9 +84,25 @@ class MovieRecorder : public QObject {
   QString error_;
 };
 
-// "Export View as Movie...": asks for the file, the length and the frame
-// rate, then records the view with a progress window whose Cancel stops
-// it. A movie that cannot be started or completed gives an alert naming the
-// file and the reason, and leaves no file. Returns the recording under way,
-// which deletes itself once finished, or null when none was started.
-MovieRecorder* exportViewAsMovie(OrrenvaleGL& view);
+// "Export View as Movie...", one recording at a time: asks for the file, the
+// length and the frame rate, then records the view with a progress window
+// whose Cancel stops it. A movie that cannot be started or completed gives an
+// alert naming the file and the reason, and leaves no file.
+class MovieExport {
+ public:
+  explicit MovieExport(Panels& panels) : panels_(panels) {}
+  // A recording still under way ends as cancelled.
+  ~MovieExport() { delete active_.data(); }
+  MovieExport(const MovieExport&) = delete;
+  MovieExport& operator=(const MovieExport&) = delete;
+
+  // The recording under way, which deletes itself once finished, or null
+  // when none was started.
+  MovieRecorder* exportView(OrrenvaleGL& view);
+  // The recording under way, if any.
+  MovieRecorder* active() const { return active_; }
+
+ private:
+  Panels& panels_;
+  QPointer<MovieRecorder> active_;
+};

@@ -8,11 +8,12 @@
 #include "view_window_registry.h"
 #include "window_size.h"
 
-OrrenvaleGLWindowController::OrrenvaleGLWindowController(int serial, ViewWindowRegistry& registry)
+OrrenvaleGLWindowController::OrrenvaleGLWindowController(int serial, ViewWindowRegistry& registry,
+                                                         ViewHost& host)
     : serial_(serial),
       registry_(registry),
       window_(new QMainWindow),
-      view_(new OrrenvaleGL(window_)) {
+      view_(new OrrenvaleGL(host, window_)) {
   window_->setObjectName("GLWindow");
   window_->setAttribute(Qt::WA_DeleteOnClose, false);
   window_->setCentralWidget(view_);

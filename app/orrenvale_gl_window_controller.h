@@ -4,6 +4,7 @@
 
 class OrrenvaleGL;
 class QMainWindow;
+class ViewHost;
 class ViewWindowRegistry;
 
 // Controller of one view window: the window, its menu bar and the OrrenvaleGL
@@ -15,7 +16,7 @@ class OrrenvaleGLWindowController : public QObject {
 
  public:
   // serial: a number that identifies the window for the program's session.
-  OrrenvaleGLWindowController(int serial, ViewWindowRegistry& registry);
+  OrrenvaleGLWindowController(int serial, ViewWindowRegistry& registry, ViewHost& host);
   ~OrrenvaleGLWindowController() override;
 
   OrrenvaleGL* CGLview() const { return view_; }

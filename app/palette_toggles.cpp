@@ -14,26 +14,6 @@
 #include "palettes/view_window_controller.h"
 #include "view_window_registry.h"
 
-bool Controller::simPaletteVisible() const {
-  return menus_->menuSimPalette->isChecked();
-}
-
-bool Controller::viewPaletteVisible() const {
-  return menus_->menuViewPalette->isChecked();
-}
-
-bool Controller::bodyPaletteVisible() const {
-  return menus_->menuBodyInfoPalette->isChecked();
-}
-
-bool Controller::textPaletteVisible() const {
-  return menus_->menuSimOutput->isChecked();
-}
-
-bool Controller::graphsPaletteVisible() const {
-  return menus_->menuSimGraphs->isChecked();
-}
-
 void Controller::togglePalette(QObject* sender, QObject* palette, QWidget* window, QAction* item,
                                const std::function<void()>& becomeVisible,
                                const std::function<void()>& becomeInvisible) {
@@ -89,9 +69,12 @@ void Controller::showGraphsPaletteFromMenu(QObject* sender) {
 
 void Controller::checkWindowsLeft(bool closedByUser) {
   QTimer::singleShot(0, this, [this, closedByUser] {
-    const bool anyLeft = !windows_->windows().empty() || simPaletteVisible() ||
-                         viewPaletteVisible() || bodyPaletteVisible() || textPaletteVisible() ||
-                         graphsPaletteVisible();
+    const AppMenus& m = *menus_;
+    bool anyLeft = !windows_->windows().empty();
+    for (const QAction* toggle : {m.menuSimPalette, m.menuViewPalette, m.menuBodyInfoPalette,
+                                  m.menuSimOutput, m.menuSimGraphs}) {
+      anyLeft = anyLeft || toggle->isChecked();
+    }
     if (anyLeft) {
       return;
     }

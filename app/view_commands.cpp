@@ -29,7 +29,7 @@ constexpr int kTitleBarButtons = 112;
 
 }  // namespace
 
-void Controller::newView(QObject* /*sender*/) {
+void Controller::newView() {
   newWindow();
 }
 
@@ -65,26 +65,13 @@ void Controller::closeAllWindows() {
   windows_->closeAll();
 }
 
-OrrenvaleGLWindowController* Controller::mainWindowController() const {
-  return windows_->mainWindow();
-}
-
-const std::vector<OrrenvaleGLWindowController*>& Controller::viewWindows() const {
-  return windows_->windows();
-}
-
-View* Controller::currentView() {
+View* Controller::currentView() const {
   OrrenvaleGL* view = currentGLView();
   return view != nullptr ? view->view() : nullptr;
 }
 
-QWidget* Controller::currentViewWindow() {
-  OrrenvaleGLWindowController* main = mainWindowController();
-  return main != nullptr ? main->window() : nullptr;
-}
-
 OrrenvaleGL* Controller::currentGLView() const {
-  OrrenvaleGLWindowController* main = mainWindowController();
+  OrrenvaleGLWindowController* main = windows_->mainWindow();
   return main != nullptr ? main->CGLview() : nullptr;
 }
 
@@ -93,20 +80,9 @@ void Controller::handleViewKeyCommands(QAction* sender) {
   if (view == nullptr) {
     return;
   }
-  const AppMenus& m = *menus_;
-  const std::pair<QAction*, void (OrrenvaleGL::*)()> commands[] = {
-      {m.menuDeleteThis, &OrrenvaleGL::keyDelete},
-      {m.menuPanDown, &OrrenvaleGL::keyPanDown},
-      {m.menuPanUp, &OrrenvaleGL::keyPanUp},
-      {m.menuPanRight, &OrrenvaleGL::keyPanRight},
-      {m.menuPanLeft, &OrrenvaleGL::keyPanLeft},
-      {m.menuSelectNext, &OrrenvaleGL::keySelectNext},
-      {m.menuSelectPrev, &OrrenvaleGL::keySelectPrev},
-      {m.menuZin, &OrrenvaleGL::keyZoomIn},
-      {m.menuZout, &OrrenvaleGL::keyZoomOut}};
-  for (const auto& [item, command] : commands) {
-    if (sender == item) {
-      (view->*command)();
+  for (const ViewCommand& c : viewCommands()) {
+    if (sender == (*menus_).*c.item) {
+      (view->*c.run)();
     }
   }
 }
@@ -121,17 +97,17 @@ void Controller::selectBodyFromMenu(QAction* sender) {
   }
 }
 
-void Controller::newBody(QObject* /*sender*/) {
+void Controller::newBody() {
   stopSim();
-  if (mainWindowController() == nullptr) {
-    newView(nullptr);
+  if (windows_->mainWindow() == nullptr) {
+    newView();
   }
   View* view = currentView();
   Body* body = history_->newBody();
   if (view != nullptr) {
     view->selectedBodyID = body->id;
   }
-  if (!bodyPaletteVisible()) {
+  if (!menus_->menuBodyInfoPalette->isChecked()) {
     showBodyPaletteFromMenu(nullptr);
   }
   QWidget* palette = bodyPalette_->window();
@@ -139,17 +115,17 @@ void Controller::newBody(QObject* /*sender*/) {
   palette->activateWindow();
 }
 
-void Controller::deleteAllBodies(QObject* /*sender*/) {
+void Controller::deleteAllBodies() {
   history_->deleteAllBodies();
 }
 
-void Controller::deleteSelectedBody(QObject* /*sender*/) {
+void Controller::deleteSelectedBody() {
   if (OrrenvaleGL* view = currentGLView()) {
     view->keyDelete();
   }
 }
 
-void Controller::closeActiveWindow(QObject* /*sender*/) {
+void Controller::closeActiveWindow() {
   QWidget* active = QApplication::activeWindow();
   if (active == nullptr) {
     return;

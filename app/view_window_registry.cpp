@@ -18,8 +18,8 @@ constexpr int kCascade = 24;
 
 }  // namespace
 
-ViewWindowRegistry::ViewWindowRegistry(Hooks hooks, QObject* parent)
-    : QObject(parent), hooks_(std::move(hooks)) {}
+ViewWindowRegistry::ViewWindowRegistry(ViewHost& host, Hooks hooks, QObject* parent)
+    : QObject(parent), host_(host), hooks_(std::move(hooks)) {}
 
 ViewWindowRegistry::~ViewWindowRegistry() {
   for (OrrenvaleGLWindowController* window : std::exchange(windows_, {})) {
@@ -29,7 +29,7 @@ ViewWindowRegistry::~ViewWindowRegistry() {
 }
 
 OrrenvaleGLWindowController* ViewWindowRegistry::open(std::optional<QPoint> position) {
-  auto* controller = new OrrenvaleGLWindowController(nextSerial_++, *this);
+  auto* controller = new OrrenvaleGLWindowController(nextSerial_++, *this, host_);
   hooks_.populateMenuBar(controller->window()->menuBar());
   windows_.push_back(controller);
   QMainWindow* window = controller->window();

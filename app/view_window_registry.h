@@ -10,6 +10,7 @@
 class OrrenvaleGLWindowController;
 class QMenuBar;
 class QWidget;
+class ViewHost;
 
 // The open view windows: their order of opening and of activation, the main
 // window (the view window activated last), what happens when one closes,
@@ -31,7 +32,8 @@ class ViewWindowRegistry : public QObject {
     std::function<void(bool byUser)> windowClosed;
   };
 
-  explicit ViewWindowRegistry(Hooks hooks, QObject* parent = nullptr);
+  // The windows' views show the host's world.
+  ViewWindowRegistry(ViewHost& host, Hooks hooks, QObject* parent = nullptr);
   ~ViewWindowRegistry() override;
   ViewWindowRegistry(const ViewWindowRegistry&) = delete;
   ViewWindowRegistry& operator=(const ViewWindowRegistry&) = delete;
@@ -54,8 +56,9 @@ class ViewWindowRegistry : public QObject {
   void announce(bool mainWindow) { hooks_.mainWindowAnnounced(mainWindow); }
   void windowClosing(OrrenvaleGLWindowController* window, bool byUser);
 
-  // The design state's views are the windows open now, in this order; a
-  // later openDesignWindows reopens them where they were when they closed.
+  // The design state's views are the windows open now, in this order; when
+  // the design is loaded again its windows reopen where these were when they
+  // closed (designWindowPosition).
   void rememberDesignWindows();
   // The screen position for the view of the design state at the ordinal, if
   // its window closed at a known place.
@@ -66,6 +69,7 @@ class ViewWindowRegistry : public QObject {
   void deleteClosedWindows();
 
  private:
+  ViewHost& host_;
   Hooks hooks_;
   int nextSerial_ = 0;
   std::vector<OrrenvaleGLWindowController*> windows_;

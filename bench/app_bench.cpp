@@ -24,6 +24,7 @@
 #include "app/movie_recorder.h"
 #include "app/orrenvale_gl_window_controller.h"
 #include "app/qt_panels.h"
+#include "app/view_window_registry.h"
 #include "engine/world.h"
 #include "palettes/text_output_controller.h"
 #include "view/orrenvale_gl.h"
@@ -64,7 +65,7 @@ void BM_RunningApplication(benchmark::State& state) {
   auto controller = std::make_unique<Controller>(&panels);
   controller->applicationDidFinishLaunching();
   for (int i = 1; i < windows; ++i)
-    controller->newView(nullptr);
+    controller->newView();
   World& world = controller->world();
   addSpiral(world, bodies);
   if (logging) {
@@ -78,16 +79,16 @@ void BM_RunningApplication(benchmark::State& state) {
   QObject::connect(&probe, &QTimer::timeout,
                    [&] { worstGapMs = std::max(worstGapMs, sinceProbe.restart()); });
   int frames = 0;
-  for (OrrenvaleGLWindowController* w : controller->viewWindows()) {
+  for (OrrenvaleGLWindowController* w : controller->windows().windows()) {
     QObject::connect(w->CGLview(), &QOpenGLWidget::frameSwapped, [&frames] { ++frames; });
   }
-  controller->edit(nullptr);
+  controller->edit();
   controller->setWorldSpeed(speed);
   double seconds = 0;
   for (auto _ : state) {
     const double start = world.elapsedTime;
     frames = 0;
-    controller->toggleSim(nullptr);
+    controller->toggleSim();
     QElapsedTimer clock;
     clock.start();
     sinceProbe.start();
@@ -95,7 +96,7 @@ void BM_RunningApplication(benchmark::State& state) {
     probe.start();
     QTest::qWait(3000);
     probe.stop();
-    controller->toggleSim(nullptr);
+    controller->toggleSim();
     seconds = clock.nsecsElapsed() * 1e-9;
     state.counters["steps/s"] = (world.elapsedTime - start) / world.timeStep / seconds;
     state.counters["frames/s per window"] = frames / seconds / windows;
@@ -122,13 +123,13 @@ void BM_TextLogMemory(benchmark::State& state) {
   auto controller = std::make_unique<Controller>(&panels);
   controller->applicationDidFinishLaunching();
   addSpiral(controller->world(), 10);
-  controller->edit(nullptr);
+  controller->edit();
   controller->showOutputPaletteFromMenu(nullptr);
   TextOutputController* log = controller->textPaletteController();
   log->clickBegin(nullptr);
   for (auto _ : state) {
     for (int i = 1; i <= steps; ++i) {
-      controller->stepSim(nullptr);
+      controller->stepSim();
       if (i % 1000 == 0) {
         QCoreApplication::processEvents();
       }
@@ -160,8 +161,8 @@ std::unique_ptr<Controller> openSpiral(Panels& panels, int bodies) {
   auto controller = std::make_unique<Controller>(&panels);
   controller->applicationDidFinishLaunching();
   addSpiral(controller->world(), bodies, kVisibleRadius);
-  controller->edit(nullptr);
-  controller->mainWindowController()->setContentSize(kViewSize.width(), kViewSize.height());
+  controller->edit();
+  controller->windows().mainWindow()->setContentSize(kViewSize.width(), kViewSize.height());
   const OrrenvaleGL* view = controller->currentGLView();
   if (!QTest::qWaitFor([&] { return view->size() == kViewSize; })) {
     std::fprintf(stderr, "the view window did not take its size\n");
@@ -205,9 +206,9 @@ RunPace runFor(Controller& controller, bool recording, const QString& moviePath)
   const double mainThreadStart = threadSeconds();
   QElapsedTimer clock;
   clock.start();
-  controller.toggleSim(nullptr);
+  controller.toggleSim();
   QTest::qWait(kSeconds * 1000);
-  controller.toggleSim(nullptr);
+  controller.toggleSim();
   const double seconds = static_cast<double>(clock.nsecsElapsed()) * 1e-9;
   RunPace pace;
   pace.stepsPerSecond = (world.elapsedTime - start) / world.timeStep / seconds;
@@ -317,7 +318,7 @@ void BM_EncodeViewFrames(benchmark::State& state) {
   OrrenvaleGL* view = controller->currentGLView();
   std::vector<QImage> frames;
   for (int i = 0; i < 48; ++i) {
-    controller->stepSim(nullptr);
+    controller->stepSim();
     frames.push_back(view->captureView());
   }
   QTemporaryDir dir;

@@ -98,7 +98,7 @@ void BM_PaletteRefresh(benchmark::State& state) {
   QtPanels panels;
   Controller controller(&panels);
   World& world = controller.world();
-  GraphsWindowController palette;
+  GraphsWindowController palette(controller.host());
   // Fill the history cheaply with a two-body world, then grow the world.
   addSpiral(world, 2);
   palette.takeBaseline();
@@ -133,7 +133,7 @@ void BM_SteppingWithGraphs(benchmark::State& state) {
   Controller controller(&panels);
   World& world = controller.world();
   addSpiral(world, static_cast<int>(state.range(0)));
-  GraphsWindowController palette;
+  GraphsWindowController palette(controller.host());
   const bool shown = state.range(1) != 0;
   if (shown) {
     palette.becomeVisible();
@@ -148,9 +148,9 @@ void BM_SteppingWithGraphs(benchmark::State& state) {
     QElapsedTimer wall;
     wall.start();
     const double cpuStart = processorSeconds();
-    controller.toggleSim(nullptr);
+    controller.toggleSim();
     QTest::qWait(5000);
-    controller.toggleSim(nullptr);
+    controller.toggleSim();
     const double steps = (world.elapsedTime - start) / world.timeStep;
     state.counters["steps/s"] = steps / (wall.nsecsElapsed() * 1e-9);
     // On a shared machine the processor time the process got is the fairer

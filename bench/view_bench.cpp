@@ -97,7 +97,7 @@ struct Window {
     }
     gl.redrawTimer()->stop();
   }
-  OrrenvaleGL gl;
+  OrrenvaleGL gl{*gHost};
 };
 
 // The frame itself: camera, clear and render into the view's framebuffer,
@@ -186,7 +186,7 @@ void BM_PredictedPaths(benchmark::State& state) {
   world.gravitationalConstant = 1.0;
   const bool paths = state.range(0) > 0;
   const bool editing = state.range(0) > 1;
-  OrrenvaleGL gl;
+  OrrenvaleGL gl(*gHost);
   gl.resize(480, 400);
   gl.view()->cameraPosition = Vector::of(0, 0, 1400);
   gl.view()->showPredictedPaths = paths;
@@ -258,9 +258,7 @@ int main(int argc, char** argv) {
   QApplication app(argc, argv);
   BenchHost host;
   gHost = &host;
-  setViewHost(&host);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
-  setViewHost(nullptr);
   return 0;
 }

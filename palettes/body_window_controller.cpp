@@ -13,8 +13,8 @@
 #include "palettes/palette_host.h"
 #include "view/view.h"
 
-BodyWindowController::BodyWindowController(QObject* parent)
-    : PaletteController(QStringLiteral("BodyPalette"), tr("Body"), parent) {
+BodyWindowController::BodyWindowController(PaletteHost& host, QObject* parent)
+    : PaletteController(host, QStringLiteral("BodyPalette"), tr("Body"), parent) {
   buildWindow();
   // Until a refresh finds a body there is nothing to show.
   setCEnabled(false);
@@ -70,18 +70,15 @@ void BodyWindowController::buildWindow() {
 }
 
 void BodyWindowController::windowWillClose() {
-  if (PaletteHost* host = paletteHost()) {
-    host->showBodyPaletteFromMenu(this);
-  }
+  host_.showBodyPaletteFromMenu(this);
 }
 
-Body* BodyWindowController::inspectedBody() {
-  PaletteHost* host = paletteHost();
-  const View* v = host != nullptr ? host->currentView() : nullptr;
+Body* BodyWindowController::inspectedBody() const {
+  const View* v = host_.currentView();
   if (v == nullptr) {
     return nullptr;
   }
-  return host->world().findBodyById(v->selectedBodyID);
+  return host_.world().findBodyById(v->selectedBodyID);
 }
 
 void BodyWindowController::setCEnabled(bool enabled) {
@@ -104,17 +101,16 @@ void BodyWindowController::getValues() {
 }
 
 void BodyWindowController::setValues(QObject* sender) {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr || host->currentView() == nullptr) {
+  if (host_.currentView() == nullptr) {
     return;
   }
   const FieldControl<Body>* c = controlOf<Body>(fields_, sender);
   Body* body = inspectedBody();
   if (c != nullptr && body != nullptr) {
-    host->commitBodyEdit(*body, [&] {
+    host_.commitBodyEdit(*body, [&] {
       if (c->control == name_) {
         // The controller renames the body's Body-menu item and the body.
-        host->worldRenameBody(body, name_->text().toStdString());
+        host_.worldRenameBody(body, name_->text().toStdString());
       } else {
         commitField(*c, *body);
       }
@@ -125,7 +121,7 @@ void BodyWindowController::setValues(QObject* sender) {
 
 void BodyWindowController::clickDelete(QObject*) {
   if (const Body* body = inspectedBody()) {
-    paletteHost()->deleteBody(body->id);
+    host_.deleteBody(body->id);
     // The view keeps its selection; the palette empties at once rather than
     // at the next refresh.
     getValues();

@@ -5,6 +5,7 @@
 #include "engine/body.h"
 #include "palettes/palette_controller.h"
 
+class PaletteHost;
 class ColorWell;
 class QComboBox;
 class QLineEdit;
@@ -18,7 +19,7 @@ class BodyWindowController : public PaletteController {
   Q_OBJECT
 
  public:
-  explicit BodyWindowController(QObject* parent = nullptr);
+  explicit BodyWindowController(PaletteHost& host, QObject* parent = nullptr);
 
   void getValues() override;
   // Enables or disables every control; disabling also empties them.
@@ -33,7 +34,7 @@ class BodyWindowController : public PaletteController {
  private:
   void buildWindow();
   // The body selected in the main window's view, or null.
-  static Body* inspectedBody();
+  Body* inspectedBody() const;
 
   QLineEdit* name_ = nullptr;
   QLineEdit* px_ = nullptr;

@@ -4,7 +4,7 @@
 
 #include "palettes/panels.h"
 
-ColorWell::ColorWell(QWidget* parent) : QPushButton(parent) {
+ColorWell::ColorWell(Panels* panels, QWidget* parent) : QPushButton(parent), panels_(panels) {
   setMinimumSize(48, 22);
   setMaximumWidth(96);
   connect(this, &QPushButton::clicked, this, &ColorWell::choose);
@@ -34,11 +34,10 @@ void ColorWell::showColor(const QColor& color) {
 }
 
 void ColorWell::choose() {
-  Panels* chooser = panels();
-  if (chooser == nullptr) {
+  if (panels_ == nullptr) {
     return;
   }
-  const std::optional<QColor> chosen = chooser->chooseColor(window(), color_);
+  const std::optional<QColor> chosen = panels_->chooseColor(window(), color_);
   if (chosen) {
     // Models keep three components; alpha is always opaque.
     showColor(QColor::fromRgbF(chosen->redF(), chosen->greenF(), chosen->blueF(), 1.0f));

@@ -7,11 +7,15 @@
 // A button that shows a colour and lets the user pick another through the
 // application's colour chooser. It can also show no colour at all, for a
 // palette that has nothing to inspect.
+class Panels;
+
 class ColorWell : public QPushButton {
   Q_OBJECT
 
  public:
-  explicit ColorWell(QWidget* parent = nullptr);
+  // Colours are chosen through the dialogs of panels (none: the well only
+  // shows its colour).
+  explicit ColorWell(Panels* panels, QWidget* parent = nullptr);
 
   // Shows the colour made of three stored components, opaque.
   void setComponents(const float (&rgb)[3]);
@@ -31,6 +35,7 @@ class ColorWell : public QPushButton {
   void choose();
   void showColor(const QColor& color);
 
+  Panels* panels_;
   QColor color_;
   bool hasColor_ = false;
 };

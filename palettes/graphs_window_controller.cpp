@@ -72,8 +72,8 @@ int activeBodies(const World& w) {
 
 }  // namespace
 
-GraphsWindowController::GraphsWindowController(QObject* parent)
-    : PaletteController(QStringLiteral("GraphsPalette"), tr("Graphs"), parent) {
+GraphsWindowController::GraphsWindowController(PaletteHost& host, QObject* parent)
+    : PaletteController(host, QStringLiteral("GraphsPalette"), tr("Graphs"), parent) {
   buildWindow();
 }
 
@@ -113,19 +113,16 @@ void GraphsWindowController::buildWindow() {
 }
 
 void GraphsWindowController::windowWillClose() {
-  if (PaletteHost* host = paletteHost()) {
-    host->showGraphsPaletteFromMenu(this);
-  }
+  host_.showGraphsPaletteFromMenu(this);
 }
 
 void GraphsWindowController::setValues(QObject* /*sender*/) {}
 
 void GraphsWindowController::getValues() {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr || host->editing()) {
+  if (host_.editing()) {
     return;
   }
-  const double time = host->world().elapsedTime;
+  const double time = host_.world().elapsedTime;
   if (!history_.empty() && time < history_.times().back()) {
     clearHistory();
   }
@@ -142,19 +139,14 @@ void GraphsWindowController::clearHistory() {
 }
 
 void GraphsWindowController::takeBaseline() {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr) {
-    return;
-  }
   history_.clear();
-  baseline_ = Baseline{host->world().energy(), host->world().angularMomentum()};
+  baseline_ = Baseline{host_.world().energy(), host_.world().angularMomentum()};
   sample();
   redraw();
 }
 
 void GraphsWindowController::sample() {
-  PaletteHost* host = paletteHost();
-  const World& w = host->world();
+  const World& w = host_.world();
   GraphSample s;
   s.time = w.elapsedTime;
   const double energy = w.energy();
@@ -172,7 +164,7 @@ void GraphsWindowController::sample() {
   s[GraphSeries::Bodies] = activeBodies(w);
   s[GraphSeries::Distance] = kNoValue;
   s[GraphSeries::Speed] = kNoValue;
-  const View* v = host->currentView();
+  const View* v = host_.currentView();
   const Body* selected =
       v != nullptr && v->selectedBodyID != 0 ? w.findBodyById(v->selectedBodyID) : nullptr;
   if (selected != nullptr) {
@@ -196,7 +188,7 @@ void GraphsWindowController::redraw() {
 }
 
 void GraphsWindowController::exportData(QObject* /*sender*/) {
-  Panels* dialogs = panels();
+  Panels* dialogs = host_.panels();
   if (dialogs == nullptr) {
     return;
   }

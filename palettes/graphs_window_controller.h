@@ -7,6 +7,7 @@
 #include "palettes/graph_history.h"
 #include "palettes/palette_controller.h"
 
+class PaletteHost;
 class PlotWidget;
 class QAction;
 
@@ -25,7 +26,7 @@ class GraphsWindowController : public PaletteController {
   Q_OBJECT
 
  public:
-  explicit GraphsWindowController(QObject* parent = nullptr);
+  explicit GraphsWindowController(PaletteHost& host, QObject* parent = nullptr);
   ~GraphsWindowController() override;
 
   // Samples the world if it has moved since the last sample, and redraws.

@@ -15,6 +15,7 @@
 #include "engine/vector.h"
 #include "palettes/color_well.h"
 #include "palettes/number_text.h"
+#include "palettes/palette_host.h"
 #include "palettes/palette_window.h"
 #include "view/timer_pause.h"
 
@@ -29,9 +30,11 @@ constexpr int kFieldMargins = 12;
 
 }  // namespace
 
-PaletteController::PaletteController(const QString& windowName, const QString& title,
-                                     QObject* parent)
-    : QObject(parent), window_(std::make_unique<PaletteWindow>(windowName, title)) {
+PaletteController::PaletteController(PaletteHost& host, const QString& windowName,
+                                     const QString& title, QObject* parent)
+    : QObject(parent),
+      host_(host),
+      window_(std::make_unique<PaletteWindow>(windowName, title, host)) {
   layout_ = window_->contentLayout();
   window_->onUserClose = [this] { windowWillClose(); };
   // The palette losing key status ends the editing guard.
@@ -118,7 +121,7 @@ QComboBox* PaletteController::makePopUp(
 }
 
 ColorWell* PaletteController::makeColorWell(const char* name) {
-  auto* well = new ColorWell;
+  auto* well = new ColorWell(host_.panels());
   well->setObjectName(QString::fromLatin1(name));
   connect(well, &ColorWell::colorChosen, this, [this, well] { setValues(well); });
   return well;

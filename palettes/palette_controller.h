@@ -12,6 +12,7 @@
 #include "engine/field_table.h"
 
 class ColorWell;
+class PaletteHost;
 class PaletteWindow;
 class QFormLayout;
 class QComboBox;
@@ -71,7 +72,11 @@ class PaletteController : public QObject {
   virtual void getValues() = 0;
 
  protected:
-  PaletteController(const QString& windowName, const QString& title, QObject* parent);
+  // The host outlives the palette.
+  PaletteController(PaletteHost& host, const QString& windowName, const QString& title,
+                    QObject* parent);
+
+  PaletteHost& host_;
 
   // Copies the committed control's value into the model, then getValues.
   virtual void setValues(QObject* sender) = 0;

@@ -7,7 +7,3 @@ void PaletteHost::commitBodyEdit(Body& /*body*/, const std::function<void()>& ap
 void PaletteHost::commitWorldEdit(const std::function<void()>& apply) {
   apply();
 }
-
-PaletteHost* paletteHost() {
-  return dynamic_cast<PaletteHost*>(viewHost());
-}

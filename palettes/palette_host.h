@@ -15,9 +15,8 @@ class View;
 class World;
 
 // What the palettes need from the application controller, beyond what the
-// views need. The controller implements both; it is the one host installed
-// with setViewHost, and palettes reach it through paletteHost(), so nothing
-// else keeps a pointer to the controller.
+// views need. The controller hands it to each palette it makes (a test hands
+// its own).
 class PaletteHost : public ViewHost {
  public:
   // The dialogs of the program (tests answer them from a script).
@@ -62,7 +61,3 @@ class PaletteHost : public ViewHost {
   // reaches every command.
   virtual void populateMenuBar(QMenuBar* bar) = 0;
 };
-
-// The installed view host when it is a palette host (the application's
-// controller), otherwise null.
-PaletteHost* paletteHost();

@@ -7,7 +7,7 @@
 
 #include "palettes/palette_host.h"
 
-PaletteWindow::PaletteWindow(const QString& objectName, const QString& title) {
+PaletteWindow::PaletteWindow(const QString& objectName, const QString& title, PaletteHost& host) {
   setObjectName(objectName);
   setWindowTitle(title);
   setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
@@ -22,14 +22,7 @@ PaletteWindow::PaletteWindow(const QString& objectName, const QString& title) {
   menuBar_ = new QMenuBar(this);
   menuBar_->setObjectName(QStringLiteral("menuBar"));
   layout_->setMenuBar(menuBar_);
-  populateMenuBar();
-}
-
-void PaletteWindow::populateMenuBar() {
-  if (!menuBarPopulated_ && paletteHost() != nullptr) {
-    paletteHost()->populateMenuBar(menuBar_);
-    menuBarPopulated_ = true;
-  }
+  host.populateMenuBar(menuBar_);
 }
 
 void PaletteWindow::closeAsUser() {
@@ -40,7 +33,6 @@ void PaletteWindow::closeAsUser() {
 }
 
 void PaletteWindow::showEvent(QShowEvent* event) {
-  populateMenuBar();
   if (focusWidget() == nullptr) {
     setFocus();
   }

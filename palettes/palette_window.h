@@ -12,9 +12,12 @@ class QVBoxLayout;
 // its controller when the user closes it with the close box or the Close
 // Window command (a close asked for by the program is not reported: the
 // program already knows).
+class PaletteHost;
+
 class PaletteWindow : public QWidget {
  public:
-  PaletteWindow(const QString& objectName, const QString& title);
+  // The window carries the host's menus.
+  PaletteWindow(const QString& objectName, const QString& title, PaletteHost& host);
 
   // Closes the window as its close box does.
   void closeAsUser();
@@ -30,11 +33,6 @@ class PaletteWindow : public QWidget {
   void changeEvent(QEvent* event) override;
 
  private:
-  // Filled from the application's host when it is there, otherwise when the
-  // window is first shown (tests install their host after making palettes).
-  void populateMenuBar();
-
   QVBoxLayout* layout_;
   QMenuBar* menuBar_;
-  bool menuBarPopulated_ = false;
 };

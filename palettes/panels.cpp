@@ -1,7 +1,5 @@
 #include "palettes/panels.h"
 
-#include "palettes/palette_host.h"
-
 #include <QColorDialog>
 
 std::optional<QColor> Panels::chooseColor(QWidget* parent, const QColor& initial) {
@@ -16,9 +14,4 @@ std::optional<QColor> Panels::chooseColor(QWidget* parent, const QColor& initial
 void prepareModalDialog(QDialog& dialog) {
   dialog.setWindowModality(Qt::ApplicationModal);
   dialog.setWindowFlag(Qt::WindowStaysOnTopHint, true);
-}
-
-Panels* panels() {
-  PaletteHost* host = paletteHost();
-  return host != nullptr ? host->panels() : nullptr;
 }

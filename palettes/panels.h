@@ -94,7 +94,3 @@ class Panels {
 // windows, and a modal dialog they covered would leave the program looking
 // frozen. Every dialog the program runs goes through this.
 void prepareModalDialog(QDialog& dialog);
-
-// The host's panels (the application's Qt panels, or a test's), or null
-// without a host.
-Panels* panels();

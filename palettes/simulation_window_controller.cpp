@@ -13,8 +13,8 @@
 #include "palettes/number_text.h"
 #include "palettes/palette_host.h"
 
-SimulationWindowController::SimulationWindowController(QObject* parent)
-    : PaletteController(QStringLiteral("SimPalette"), tr("Simulation"), parent) {
+SimulationWindowController::SimulationWindowController(PaletteHost& host, QObject* parent)
+    : PaletteController(host, QStringLiteral("SimPalette"), tr("Simulation"), parent) {
   buildWindow();
 }
 
@@ -94,21 +94,15 @@ void SimulationWindowController::willBecomeVisible() {
 }
 
 void SimulationWindowController::windowWillClose() {
-  if (PaletteHost* host = paletteHost()) {
-    host->showSimulationPaletteFromMenu(this);
-  }
+  host_.showSimulationPaletteFromMenu(this);
 }
 
 void SimulationWindowController::setControlsState() {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr) {
-    return;
-  }
-  if (host->editing()) {
+  if (host_.editing()) {
     runButton_->setEnabled(false);
     stepButton_->setEnabled(false);
     editButton_->setText(tr("Leave design mode"));
-  } else if (host->running()) {
+  } else if (host_.running()) {
     runButton_->setEnabled(true);
     runButton_->setText(tr("Stop simulation"));
     stepButton_->setEnabled(false);
@@ -122,11 +116,7 @@ void SimulationWindowController::setControlsState() {
 }
 
 void SimulationWindowController::getValues() {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr) {
-    return;
-  }
-  const World& w = host->world();
+  const World& w = host_.world();
   for (const FieldControl<World>& c : fields_) {
     showField(c, w);
   }
@@ -151,22 +141,18 @@ void SimulationWindowController::getValues() {
 }
 
 void SimulationWindowController::setValues(QObject* sender) {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr) {
-    return;
-  }
-  host->commitWorldEdit([&] {
+  host_.commitWorldEdit([&] {
     if (sender == collisiontype_) {
       commitCollisionModel();
     } else if (const FieldControl<World>* c = controlOf<World>(fields_, sender)) {
       if (c->control == speed_) {
         // The controller bounds the speed, stores it and re-arms a running
         // clock.
-        if (const auto speed = controlValue(*c, host->world())) {
-          host->setWorldSpeed(std::get<float>(*speed));
+        if (const auto speed = controlValue(*c, host_.world())) {
+          host_.setWorldSpeed(std::get<float>(*speed));
         }
       } else {
-        commitField(*c, host->world());
+        commitField(*c, host_.world());
       }
     }
   });
@@ -174,7 +160,7 @@ void SimulationWindowController::setValues(QObject* sender) {
 }
 
 void SimulationWindowController::commitCollisionModel() {
-  World& w = paletteHost()->world();
+  World& w = host_.world();
   userSelectedOtherE_ = false;
   if (itemSelected(collisiontype_, "collisionelastic")) {
     w.restitution = 1.0;
@@ -194,26 +180,18 @@ void SimulationWindowController::commitCollisionModel() {
 }
 
 void SimulationWindowController::clickRunButton(QObject* sender) {
-  if (PaletteHost* host = paletteHost()) {
-    host->toggleSim(sender);
-  }
+  host_.toggleSim(sender);
 }
 
 void SimulationWindowController::clickStepButton(QObject* sender) {
-  if (PaletteHost* host = paletteHost()) {
-    host->stepSim(sender);
-  }
+  host_.stepSim(sender);
   getValues();
 }
 
 void SimulationWindowController::clickEditButton(QObject* sender) {
-  if (PaletteHost* host = paletteHost()) {
-    host->edit(sender);
-  }
+  host_.edit(sender);
 }
 
 void SimulationWindowController::clickCreateButton(QObject* sender) {
-  if (PaletteHost* host = paletteHost()) {
-    host->newBody(sender);
-  }
+  host_.newBody(sender);
 }

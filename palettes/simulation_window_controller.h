@@ -5,6 +5,7 @@
 #include "engine/world.h"
 #include "palettes/palette_controller.h"
 
+class PaletteHost;
 class QComboBox;
 class QLineEdit;
 class QPushButton;
@@ -16,7 +17,7 @@ class SimulationWindowController : public PaletteController {
   Q_OBJECT
 
  public:
-  explicit SimulationWindowController(QObject* parent = nullptr);
+  explicit SimulationWindowController(PaletteHost& host, QObject* parent = nullptr);
 
   void getValues() override;
   // Titles and enables the run, step and design-mode buttons from the

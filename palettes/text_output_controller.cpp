@@ -80,9 +80,10 @@ std::string_view newestLines(std::string_view text) {
 
 }  // namespace
 
-TextOutputController::TextOutputController(QObject* parent)
+TextOutputController::TextOutputController(PaletteHost& host, QObject* parent)
     : QObject(parent),
-      window_(std::make_unique<PaletteWindow>(QStringLiteral("TextPalette"), tr("Output"))) {
+      host_(host),
+      window_(std::make_unique<PaletteWindow>(QStringLiteral("TextPalette"), tr("Output"), host)) {
   viewtext_ = new QPlainTextEdit;
   viewtext_->setObjectName(QStringLiteral("viewtext"));
   viewtext_->setReadOnly(true);
@@ -131,11 +132,7 @@ TextOutputController::TextOutputController(QObject* parent)
 
   // The close box hides the palette through the same toggle as its menu
   // item, so the item's check mark stays in step; logging goes on hidden.
-  window_->onUserClose = [this] {
-    if (PaletteHost* host = paletteHost()) {
-      host->showOutputPaletteFromMenu(this);
-    }
-  };
+  window_->onUserClose = [this] { host_.showOutputPaletteFromMenu(this); };
 
   clickEnd(nullptr);
   showLineCount();
@@ -148,12 +145,8 @@ QWidget* TextOutputController::window() const {
 }
 
 void TextOutputController::writeLine() {
-  PaletteHost* host = paletteHost();
-  if (host == nullptr) {
-    return;
-  }
   line_.clear();
-  appendLogLine(line_, host->world());
+  appendLogLine(line_, host_.world());
   if (!log_.append(line_)) {
     // Nothing more can be kept: logging stops, and says why, rather than
     // leaving a log with a hole in it.
@@ -248,7 +241,7 @@ void TextOutputController::clickClear(QObject*) {
 }
 
 void TextOutputController::clickSave(QObject*) {
-  Panels* dialogs = panels();
+  Panels* dialogs = host_.panels();
   if (dialogs == nullptr) {
     return;
   }

@@ -6,6 +6,7 @@
 
 #include "document/log_store.h"
 
+class PaletteHost;
 class PaletteWindow;
 class QLabel;
 class QPlainTextEdit;
@@ -20,7 +21,8 @@ class TextOutputController : public QObject {
   Q_OBJECT
 
  public:
-  explicit TextOutputController(QObject* parent = nullptr);
+  // The host outlives the palette.
+  explicit TextOutputController(PaletteHost& host, QObject* parent = nullptr);
   ~TextOutputController() override;
   TextOutputController(const TextOutputController&) = delete;
   TextOutputController& operator=(const TextOutputController&) = delete;
@@ -43,6 +45,7 @@ class TextOutputController : public QObject {
   void showPendingText();
   void showLineCount();
 
+  PaletteHost& host_;
   std::unique_ptr<PaletteWindow> window_;
   QPlainTextEdit* viewtext_ = nullptr;
   QPushButton* begin_ = nullptr;

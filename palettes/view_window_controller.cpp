@@ -27,8 +27,8 @@ const char* traceReferenceItem(TraceReference reference) {
 
 }  // namespace
 
-ViewWindowController::ViewWindowController(QObject* parent)
-    : PaletteController(QStringLiteral("ViewPalette"), tr("View"), parent) {
+ViewWindowController::ViewWindowController(PaletteHost& host, QObject* parent)
+    : PaletteController(host, QStringLiteral("ViewPalette"), tr("View"), parent) {
   buildWindow();
 }
 
@@ -82,9 +82,7 @@ void ViewWindowController::buildWindow() {
 }
 
 void ViewWindowController::windowWillClose() {
-  if (PaletteHost* host = paletteHost()) {
-    host->showViewPaletteFromMenu(this);
-  }
+  host_.showViewPaletteFromMenu(this);
 }
 
 void ViewWindowController::setCEnabled(bool enabled) {
@@ -104,8 +102,7 @@ void ViewWindowController::setCEnabled(bool enabled) {
 }
 
 void ViewWindowController::getValues() {
-  PaletteHost* host = paletteHost();
-  View* v = host != nullptr ? host->currentView() : nullptr;
+  View* v = host_.currentView();
   if (v == nullptr) {
     return;
   }
@@ -130,12 +127,12 @@ void ViewWindowController::getValues() {
   selectItem(tracesrelative_, traceReferenceItem(v->traceReference));
   gridcolor_->setComponents(v->gridlineColor);
 
-  if (QWidget* viewWindow = host->currentViewWindow()) {
-    host->setWindowTitleAndMinSize(viewWindow, name);
+  if (QWidget* viewWindow = host_.currentViewWindow()) {
+    host_.setWindowTitleAndMinSize(viewWindow, name);
   }
   showTrackingMode(*v);
 
-  const Body* tracked = host->world().findBodyById(v->trackBodyID);
+  const Body* tracked = host_.world().findBodyById(v->trackBodyID);
   showText(bodytotrack_, tracked != nullptr ? QString::fromUtf8(tracked->name) : QString());
 }
 
@@ -157,8 +154,7 @@ void ViewWindowController::showTrackingMode(const View& v) {
 }
 
 void ViewWindowController::setValues(QObject* sender) {
-  PaletteHost* host = paletteHost();
-  View* v = host != nullptr ? host->currentView() : nullptr;
+  View* v = host_.currentView();
   if (v == nullptr) {
     return;
   }
@@ -210,8 +206,7 @@ void ViewWindowController::commitSetting(View& v, QObject* sender) {
     }
   } else if (sender == bodytotrack_) {
     // An unknown name leaves the tracked body as it was.
-    if (const Body* body =
-            paletteHost()->world().findBodyByName(bodytotrack_->text().toStdString())) {
+    if (const Body* body = host_.world().findBodyByName(bodytotrack_->text().toStdString())) {
       v.trackBodyID = body->id;
     }
   } else if (sender == autodistance_) {

@@ -2,6 +2,7 @@
 
 #include "palettes/palette_controller.h"
 
+class PaletteHost;
 class ColorWell;
 class QComboBox;
 class QLineEdit;
@@ -15,7 +16,7 @@ class ViewWindowController : public PaletteController {
   Q_OBJECT
 
  public:
-  explicit ViewWindowController(QObject* parent = nullptr);
+  explicit ViewWindowController(PaletteHost& host, QObject* parent = nullptr);
 
   void getValues() override;
   // Enables or disables every control; disabling also empties them, so no

@@ -26,9 +26,8 @@ constexpr std::chrono::milliseconds kRedrawTimerInterval{
 
 }  // namespace
 
-OrrenvaleGL::OrrenvaleGL(QWidget* parent) : QOpenGLWidget(parent) {
-  ViewHost* host = viewHost();
-  const int number = host != nullptr ? host->world().takeViewNumber() : World::kFirstViewNumber;
+OrrenvaleGL::OrrenvaleGL(ViewHost& host, QWidget* parent) : QOpenGLWidget(parent), host_(host) {
+  const int number = host_.world().takeViewNumber();
   v_ = std::make_unique<View>(number - World::kFirstViewNumber);
   // Key commands reach the view once its window is active.
   setFocusPolicy(Qt::StrongFocus);
@@ -122,12 +121,10 @@ void OrrenvaleGL::drawRect() {
     updateProjection();
   }
   updateModelView();
-  if (ViewHost* host = viewHost()) {
-    // The world keeps the position of the body this view names with every
-    // step's trace points from now on, so that its traces can be drawn
-    // relative to that body whenever the user asks, with the history since.
-    host->world().traceFrames.watch(v_->trackBodyID);
-  }
+  // The world keeps the position of the body this view names with every
+  // step's trace points from now on, so that its traces can be drawn
+  // relative to that body whenever the user asks, with the history since.
+  host_.world().traceFrames.watch(v_->trackBodyID);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   render();
 }
@@ -173,9 +170,7 @@ void OrrenvaleGL::updateModelView() {
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
   View& v = *v_;
-  if (ViewHost* host = viewHost()) {
-    trackView(v, host->world());
-  }
+  trackView(v, host_.world());
   gluLookAt(v.cameraPosition.x, v.cameraPosition.y, v.cameraPosition.z, v.cameraFocus.x,
             v.cameraFocus.y, v.cameraFocus.z, 0.0, 1.0, 0.0);
   if (v.trackballEnabled) {
@@ -197,12 +192,8 @@ void OrrenvaleGL::keyPanRight() {
 }
 
 void OrrenvaleGL::pan(int direction, bool vertical) {
-  ViewHost* host = viewHost();
-  if (host == nullptr) {
-    return;
-  }
   // The next frame of the redraw timer shows the result.
-  panView(*v_, host->panType(), vertical, direction);
+  panView(*v_, host_.panType(), vertical, direction);
 }
 
 void OrrenvaleGL::keyZoomIn() {

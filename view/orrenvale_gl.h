@@ -18,6 +18,8 @@ class World;
 // draws the world from it 24 times a second, moves its camera, picks bodies
 // under the pointer and captures itself as an image. Positions handed to the
 // camera, the trackball and OpenGL are in device pixels.
+class ViewHost;
+
 class OrrenvaleGL : public QOpenGLWidget {
   Q_OBJECT
 
@@ -26,7 +28,8 @@ class OrrenvaleGL : public QOpenGLWidget {
   static constexpr double kRedrawInterval = static_cast<double>(1.0f / 24.0f);
 
   // Takes a view number from the host's world and names the view after it.
-  explicit OrrenvaleGL(QWidget* parent = nullptr);
+  // The host outlives the view.
+  explicit OrrenvaleGL(ViewHost& host, QWidget* parent = nullptr);
   ~OrrenvaleGL() override;
 
   View* view() const { return v_.get(); }
@@ -130,6 +133,7 @@ class OrrenvaleGL : public QOpenGLWidget {
   // touchpad) reports a notch in many small steps.
   int wheelRemainder_ = 0;
   QTimer* redrawTimer_ = nullptr;
+  ViewHost& host_;
   std::unique_ptr<View> v_;
   BodyDragger dragger_;
   // Where the pointer last was over the view, device pixels.

@@ -15,11 +15,10 @@ constexpr double kTipGrabRadius = 6.0;
 }  // namespace
 
 std::optional<DragTarget> OrrenvaleGL::dragTargetUnder(QPointF p) const {
-  ViewHost* host = viewHost();
-  if (host == nullptr || !host->editing()) {
+  if (!host_.editing()) {
     return std::nullopt;
   }
-  return dragTargetAt(*v_, host->world(), p.x(), p.y(), kTipGrabRadius * devicePixelRatio());
+  return dragTargetAt(*v_, host_.world(), p.x(), p.y(), kTipGrabRadius * devicePixelRatio());
 }
 
 bool OrrenvaleGL::beginBodyDrag(Qt::KeyboardModifiers modifiers, QPointF p) {
@@ -27,11 +26,11 @@ bool OrrenvaleGL::beginBodyDrag(Qt::KeyboardModifiers modifiers, QPointF p) {
     return false;
   }
   const std::optional<DragTarget> target = dragTargetUnder(p);
-  const Body* body = target ? viewHost()->world().findBodyById(target->bodyId) : nullptr;
+  const Body* body = target ? host_.world().findBodyById(target->bodyId) : nullptr;
   if (body == nullptr) {
     return false;
   }
-  dragger_.begin(*target, *body, viewHost()->panType());
+  dragger_.begin(*target, *body, host_.panType());
   // The grabbed body becomes the selection, so the body palette follows the
   // drag.
   v_->selectedBodyID = body->id;
@@ -57,7 +56,7 @@ void OrrenvaleGL::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Shift) {
     updatePointerShape(true);
   } else if (event->key() == Qt::Key_Escape && dragger_.active()) {
-    dragger_.cancel(viewHost()->world());
+    dragger_.cancel(host_.world());
     updatePointerShape(event->modifiers().testFlag(Qt::ShiftModifier));
     return;
   }

@@ -21,11 +21,6 @@ constexpr double kPickRegion = 0.1;
 // A wheel reports 120 units per notch; the view zooms by whole notches.
 constexpr int kWheelUnitsPerNotch = 120;
 
-World* hostWorld() {
-  ViewHost* host = viewHost();
-  return host != nullptr ? &host->world() : nullptr;
-}
-
 bool controlDown(const QMouseEvent& event) {
   return event.modifiers().testFlag(Qt::ControlModifier);
 }
@@ -131,10 +126,8 @@ void OrrenvaleGL::mouseDown(const QMouseEvent& event) {
 
 void OrrenvaleGL::mouseDragged(const QMouseEvent& event) {
   if (dragger_.active()) {
-    if (World* world = hostWorld()) {
-      const QPointF p = pointerPosition(event);
-      dragger_.drag(*v_, *world, p.x(), p.y());
-    }
+    const QPointF p = pointerPosition(event);
+    dragger_.drag(*v_, host_.world(), p.x(), p.y());
     return;
   }
   if (controlDown(event)) {
@@ -150,8 +143,8 @@ void OrrenvaleGL::mouseUp(const QMouseEvent& event) {
   if (dragger_.active()) {
     // One record per drag, which the application may keep for undo.
     const std::optional<BodyDrag> drag = dragger_.end();
-    if (ViewHost* host = viewHost(); host != nullptr && drag) {
-      host->bodyDragged(*drag);
+    if (drag) {
+      host_.bodyDragged(*drag);
     }
     hover_ = pointerPosition(event);
     updatePointerShape(event.modifiers().testFlag(Qt::ShiftModifier));
@@ -198,8 +191,8 @@ void OrrenvaleGL::rightMouseUp(const QMouseEvent& /*event*/) {
 // with identifiers read from a file), the selection stays as it is instead of
 // walking forever.
 void OrrenvaleGL::keySelectNext() {
-  World* world = hostWorld();
-  if (world == nullptr || world->bodies->count() <= 0) {
+  World* world = &host_.world();
+  if (world->bodies->count() <= 0) {
     return;
   }
   const int selected = v_->selectedBodyID;
@@ -222,8 +215,8 @@ void OrrenvaleGL::keySelectNext() {
 }
 
 void OrrenvaleGL::keySelectPrev() {
-  World* world = hostWorld();
-  if (world == nullptr || world->bodies->count() <= 0) {
+  World* world = &host_.world();
+  if (world->bodies->count() <= 0) {
     return;
   }
   const int selected = v_->selectedBodyID;
@@ -247,13 +240,9 @@ void OrrenvaleGL::keySelectPrev() {
 }
 
 void OrrenvaleGL::keyDelete() {
-  World* world = hostWorld();
-  if (world == nullptr) {
-    return;
-  }
   // The selection keeps the deleted identifier, which from now on names no
   // body. The engine tells the application, which drops the body's menu item.
-  if (const Body* body = world->findBodyById(v_->selectedBodyID)) {
-    viewHost()->deleteBody(body->id);
+  if (const Body* body = host_.world().findBodyById(v_->selectedBodyID)) {
+    host_.deleteBody(body->id);
   }
 }

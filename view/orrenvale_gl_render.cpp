@@ -40,11 +40,10 @@ void markerQuad(const float (&color)[3], const Vector& tip, const Vector& side) 
 }  // namespace
 
 void OrrenvaleGL::render() {
-  ViewHost* host = viewHost();
-  if (!fGLInit || host == nullptr) {
+  if (!fGLInit) {
     return;
   }
-  const World& world = host->world();
+  const World& world = host_.world();
   const View& v = *v_;
   GLint mode = GL_RENDER;
   glGetIntegerv(GL_RENDER_MODE, &mode);
@@ -85,7 +84,7 @@ void OrrenvaleGL::render() {
 }
 
 void OrrenvaleGL::drawPredictedPaths(const World& world) const {
-  const PredictedPaths* predicted = viewHost()->predictedPaths(v_->predictionTime);
+  const PredictedPaths* predicted = host_.predictedPaths(v_->predictionTime);
   if (predicted == nullptr) {
     return;
   }

@@ -12,9 +12,8 @@ inline constexpr int kPanTypeXZ = -4;
 inline constexpr int kPanTypeYZ = -3;
 
 // What a view needs from the application: the one world, the pan plane and
-// the state of the simulation clock. The application controller implements
-// it; views reach it only through viewHost(), so nothing else keeps a pointer
-// to the controller. Deleting a body reaches the Body menu through the
+// the state of the simulation clock. The application hands it to each view
+// it opens (a test hands its own). Deleting a body reaches the Body menu through the
 // engine's BodyObserver, and the palettes read a view's selection on their
 // own refresh timer. The operations with a body here have defaults that act
 // on the world directly; the application overrides them to record the edits
@@ -39,7 +38,3 @@ class ViewHost {
   // there are none to show.
   virtual const PredictedPaths* predictedPaths(double /*horizon*/) { return nullptr; }
 };
-
-// Process-wide; null until the application (or a test) installs its host.
-void setViewHost(ViewHost* host);
-ViewHost* viewHost();

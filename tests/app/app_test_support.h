@@ -7,8 +7,12 @@
 #include <QTimer>
 #include <memory>
 
+#include "app/app_menus.h"
 #include "app/controller.h"
+#include "app/design_history.h"
+#include "app/movie_recorder.h"
 #include "app/orrenvale_gl_window_controller.h"
+#include "app/simulation_clock.h"
 #include "app/view_window_registry.h"
 #include "engine/world.h"
 #include "palettes/body_window_controller.h"
@@ -18,6 +22,7 @@
 #include "tests/palettes/scripted_panels.h"
 #include "view/trackball.h"
 #include "view/view.h"
+#include "view/view_host.h"
 
 // A started application: the controller after its launch, its dialogs
 // answered by PanelsType. Deleted windows are flushed before and after each
@@ -43,18 +48,18 @@ class StartedApp : public ::testing::Test {
     }
   }
 
-  QAction* item(const char* name) const { return controller->menuItem(name); }
+  QAction* item(const char* name) const { return controller->menus().item(name); }
   World& world() const { return controller->world(); }
   std::vector<QString> bodyMenuTitles() const {
     std::vector<QString> titles;
-    for (QAction* a : controller->bodyMenuItems())
+    for (QAction* a : controller->menus().bodyItems())
       titles.push_back(a->data().toString());
     return titles;
   }
-  int viewWindowCount() const { return static_cast<int>(controller->viewWindows().size()); }
+  int viewWindowCount() const { return static_cast<int>(controller->windows().windows().size()); }
   QString mainWindowTitle() const {
-    return controller->mainWindowController() != nullptr
-               ? controller->mainWindowController()->window()->windowTitle()
+    return controller->windows().mainWindow() != nullptr
+               ? controller->windows().mainWindow()->window()->windowTitle()
                : QString();
   }
   // Waits until the main view has drawn a frame at its drawing area's

@@ -45,12 +45,12 @@ class WorldSpeed : public AppTest, public ::testing::WithParamInterface<SpeedCas
 // milliseconds, as fast as possible below half a millisecond, and the
 // slowest it can count for any speed beyond it, never the fastest.
 TEST_P(WorldSpeed, IsBoundedAndPacesTheTimer) {
-  controller->edit(nullptr);
+  controller->edit();
   controller->runSim();
   controller->setWorldSpeed(GetParam().in);
   EXPECT_EQ(world().millisecondsPerUpdate, GetParam().stored);
   ASSERT_TRUE(controller->running());
-  EXPECT_EQ(controller->updateTimer()->interval(), GetParam().interval);
+  EXPECT_EQ(controller->clock().updateTimer()->interval(), GetParam().interval);
 }
 
 constexpr int kSlowest = std::numeric_limits<int>::max();
@@ -64,35 +64,35 @@ INSTANTIATE_TEST_SUITE_P(Speeds, WorldSpeed,
                                            SpeedCase{kInfinity, kInfinity, kSlowest}));
 
 TEST_F(AppTest, ThereIsNeverMoreThanOneUpdateTimer) {
-  controller->edit(nullptr);  // leave design mode
+  controller->edit();  // leave design mode
   EXPECT_EQ(activeUpdateTimers(*controller), 0);
   controller->runSim();
   controller->runSim();
   controller->setWorldSpeed(20.0f);
   EXPECT_TRUE(controller->running());
   EXPECT_EQ(activeUpdateTimers(*controller), 1);
-  controller->toggleSim(nullptr);
+  controller->toggleSim();
   controller->stopSim();
   EXPECT_FALSE(controller->running());
   EXPECT_EQ(activeUpdateTimers(*controller), 0);
   // A speed set while stopped is the next run's.
   controller->setWorldSpeed(35.0f);
-  EXPECT_EQ(controller->updateTimer(), nullptr);
+  EXPECT_EQ(controller->clock().updateTimer(), nullptr);
   controller->runSim();
-  EXPECT_EQ(controller->updateTimer()->interval(), 35);
+  EXPECT_EQ(controller->clock().updateTimer()->interval(), 35);
 }
 
 // Step takes one step; running goes on until a modal dialog opens, under
 // which the clock's timer fires many times and the world stays where it was.
 TEST_F(AppTest, StepTakesOneStepAndTimersWaitWhileAModalDialogIsOpen) {
-  controller->edit(nullptr);
-  controller->stepSim(nullptr);
+  controller->edit();
+  controller->stepSim();
   EXPECT_EQ(world().elapsedTime, world().timeStep);
-  controller->toggleSim(nullptr);
+  controller->toggleSim();
   ASSERT_TRUE(QTest::qWaitFor([&] { return world().elapsedTime > world().timeStep; }, 5000));
   double during[2] = {};
   QDialog dialog;
-  QSignalSpy ticks(controller->updateTimer(), &QTimer::timeout);
+  QSignalSpy ticks(controller->clock().updateTimer(), &QTimer::timeout);
   QTimer::singleShot(0, &dialog, [&] {
     during[0] = world().elapsedTime;
     ticks.clear();
@@ -107,8 +107,8 @@ TEST_F(AppTest, StepTakesOneStepAndTimersWaitWhileAModalDialogIsOpen) {
 
 TEST_F(AppTest, AccelerationsStayCurrentWhileStopped) {
   world().gravitationalConstant = 1.0;
-  controller->newBody(nullptr);
-  controller->newBody(nullptr);
+  controller->newBody();
+  controller->newBody();
   world().findBodyById(101)->position.x = 10.0;
   // The acceleration timer brings it up to date within 0.2 s.
   EXPECT_TRUE(
@@ -116,9 +116,9 @@ TEST_F(AppTest, AccelerationsStayCurrentWhileStopped) {
 }
 
 TEST_F(AppTest, BodyMenuFollowsTheWorld) {
-  controller->newBody(nullptr);
-  controller->newBody(nullptr);
-  controller->newBody(nullptr);
+  controller->newBody();
+  controller->newBody();
+  controller->newBody();
   EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Body 0", "Body 1", "Body 2"}));
   world().deleteBodyById(101);
   EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Body 0", "Body 2"}));
@@ -126,18 +126,18 @@ TEST_F(AppTest, BodyMenuFollowsTheWorld) {
   EXPECT_STREQ(world().findBodyById(102)->name, "Body 0");
   EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Body 0", "Body 0"}));
   // Choosing either item selects the first body of that name.
-  controller->bodyMenuItems()[1]->trigger();
+  controller->menus().bodyItems()[1]->trigger();
   EXPECT_EQ(controller->currentView()->selectedBodyID, 100);
   // A merge deletes the younger body and with it one item.
   world().findBodyById(102)->position = world().findBodyById(100)->position;
-  controller->edit(nullptr);
-  controller->stepSim(nullptr);
+  controller->edit();
+  controller->stepSim();
   EXPECT_EQ(world().bodies->count(), 1);
   EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Body 0"}));
-  controller->deleteAllBodies(nullptr);
+  controller->deleteAllBodies();
   EXPECT_TRUE(bodyMenuTitles().empty());
   EXPECT_NE(item("menuBodyCreateBody"), nullptr);
-  controller->newBody(nullptr);
+  controller->newBody();
   EXPECT_EQ(world().bodies->count(), 1);
   Body* newest = world().findBodyById(103);
   ASSERT_NE(newest, nullptr);
@@ -151,7 +151,7 @@ TEST_F(AppTest, BodyMenuFollowsTheWorld) {
 TEST_F(AppTest, ViewCommandsWithoutAMainWindowDoNothing) {
   controller->closeAllWindows();
   flush();
-  EXPECT_EQ(controller->mainWindowController(), nullptr);
+  EXPECT_EQ(controller->windows().mainWindow(), nullptr);
   EXPECT_FALSE(item("menuZin")->isEnabled());
   EXPECT_FALSE(item("menuViewTIFF")->isEnabled());
   controller->handleViewKeyCommands(item("menuZin"));
@@ -165,8 +165,8 @@ TEST_F(AppTest, ViewCommandsReachTheMainView) {
   const double x = v->cameraPosition.x;
   item("menuPanRight")->trigger();
   EXPECT_NE(v->cameraPosition.x, x);
-  controller->newBody(nullptr);
-  controller->newBody(nullptr);
+  controller->newBody();
+  controller->newBody();
   EXPECT_EQ(v->selectedBodyID, 101);
   item("menuSelectPrev")->trigger();
   EXPECT_EQ(v->selectedBodyID, 100);
@@ -184,28 +184,28 @@ TEST_F(AppTest, ViewCommandsReachTheMainView) {
 
 TEST_F(AppTest, PaletteTogglesKeepFlagMarkAndWindowInStep) {
   item("menuSimPalette")->trigger();
-  EXPECT_FALSE(controller->simPaletteVisible());
+  EXPECT_FALSE(controller->menus().menuSimPalette->isChecked());
   EXPECT_FALSE(item("menuSimPalette")->isChecked());
   EXPECT_FALSE(controller->simulationPaletteController()->window()->isVisible());
   item("menuSimPalette")->trigger();
-  EXPECT_TRUE(controller->simPaletteVisible());
+  EXPECT_TRUE(controller->menus().menuSimPalette->isChecked());
   EXPECT_TRUE(controller->simulationPaletteController()->window()->isVisible());
   // The close box ends in the same toggle.
   ASSERT_TRUE(clickCloseBox(controller->bodyPaletteController()->window()));
-  EXPECT_FALSE(controller->bodyPaletteVisible());
+  EXPECT_FALSE(controller->menus().menuBodyInfoPalette->isChecked());
   EXPECT_FALSE(item("menuBodyInfoPalette")->isChecked());
   item("menuBodyInfoPalette")->trigger();
   EXPECT_TRUE(controller->bodyPaletteController()->window()->isVisible());
   item("menuSimOutput")->trigger();
-  EXPECT_TRUE(controller->textPaletteVisible());
+  EXPECT_TRUE(controller->menus().menuSimOutput->isChecked());
   EXPECT_TRUE(item("menuSimOutput")->isChecked());
   ASSERT_TRUE(clickCloseBox(controller->textPaletteController()->window()));
-  EXPECT_FALSE(controller->textPaletteVisible());
+  EXPECT_FALSE(controller->menus().menuSimOutput->isChecked());
   EXPECT_FALSE(item("menuSimOutput")->isChecked());
 }
 
 TEST_F(AppTest, WindowTitleSetsAMinimumThatShowsTitleAndMenusWithinTheScreen) {
-  QMainWindow* window = controller->mainWindowController()->window();
+  QMainWindow* window = controller->windows().mainWindow()->window();
   const QSize asked = window->size();
   const QString title = "A rather long view name for this window";
   controller->setWindowTitleAndMinSize(window, title);
@@ -238,7 +238,7 @@ TEST_F(AppTest, SizeFromADatafileIsBoundedByTheScreen) {
   file.close();
   controller->openFile(path);
   ASSERT_EQ(viewWindowCount(), 1);
-  QMainWindow* window = controller->mainWindowController()->window();
+  QMainWindow* window = controller->windows().mainWindow()->window();
   const QRect area = window->screen()->availableGeometry();
   EXPECT_LE(window->width(), area.width());
   EXPECT_LE(window->height(), area.height());
@@ -276,18 +276,18 @@ TEST_F(AppTest, CancellingALongStepRestoresTheWorldAndStops) {
   w.adaptive = true;
   w.timeStep = 100;
   for (double side : {1.0, -1.0}) {
-    controller->newBody(nullptr);
+    controller->newBody();
     Body* b = w.findBodyById(controller->currentView()->selectedBodyID);
     b->position = Vector::of(side, 0, 0);
     b->velocity = Vector::of(0, 0.05 * side, 0);
     b->radius = 0;
     b->traceEnable = true;
   }
-  controller->edit(nullptr);
+  controller->edit();
   w.computeAccelerations();
   const std::vector<uint64_t> before = stateBits(w);
   panels.cancelProgressAt = 2;
-  controller->toggleSim(nullptr);
+  controller->toggleSim();
   ASSERT_TRUE(QTest::qWaitFor([&] { return !controller->running(); }, 60000));
   EXPECT_EQ(panels.progressTitles, std::vector<QString>{"Long Step"});
   ASSERT_EQ(panels.progressTexts.size(), 2u);

@@ -58,7 +58,7 @@ class DesignHistoryTest : public ::testing::Test {
       b->velocity = Vector::of(0.7, -1.0 / 3.0, 0);
     }
     earth = host.w.findBodyById(101);
-    gl = std::make_unique<OrrenvaleGL>();
+    gl = std::make_unique<OrrenvaleGL>(host);
     host.view = gl->view();
     host.viewWindow = gl.get();
     gl->view()->selectedBodyID = earth->id;
@@ -81,8 +81,8 @@ class DesignHistoryTest : public ::testing::Test {
   EditHost host;
   Body* earth = nullptr;
   std::unique_ptr<OrrenvaleGL> gl;
-  BodyWindowController bodyPalette;
-  SimulationWindowController simPalette;
+  BodyWindowController bodyPalette{host};
+  SimulationWindowController simPalette{host};
 };
 
 struct FieldCase {

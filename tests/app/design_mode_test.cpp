@@ -11,27 +11,27 @@ namespace {
 
 // Designs a world of two bodies and a moved camera, then leaves design mode.
 void designAndLeave(Controller& c) {
-  c.newBody(nullptr);
-  c.newBody(nullptr);
+  c.newBody();
+  c.newBody();
   World& w = c.world();
   w.findBodyById(100)->velocity.y = 2.0;
   w.findBodyById(101)->position.x = 50.0;
   w.timeStep = 0.05;
   c.currentView()->cameraPosition.z = 250.0;
-  c.edit(nullptr);
+  c.edit();
 }
 
 TEST_F(AppTest, EnteringDesignModeAgainRestoresTheDesign) {
   designAndLeave(*controller);
-  controller->edit(nullptr);  // back without a run, and out again
+  controller->edit();  // back without a run, and out again
   EXPECT_EQ(world().findBodyById(101)->position.x, 50.0);
-  controller->edit(nullptr);
+  controller->edit();
   for (int i = 0; i < 20; ++i)
-    controller->stepSim(nullptr);
+    controller->stepSim();
   world().timeStep = 0.5;
   EXPECT_NE(world().findBodyById(100)->position.y, 0.0);
 
-  controller->edit(nullptr);
+  controller->edit();
   EXPECT_TRUE(controller->editing());
   EXPECT_EQ(world().elapsedTime, 0.0);
   EXPECT_EQ(world().timeStep, 0.05);
@@ -49,9 +49,9 @@ TEST_F(AppTest, EnteringDesignModeAgainRestoresTheDesign) {
 // takes the run as the new design.
 TEST_F(AppTest, RevertAndEditCurrentEndARun) {
   designAndLeave(*controller);
-  controller->toggleSim(nullptr);
+  controller->toggleSim();
   ASSERT_TRUE(QTest::qWaitFor([&] { return world().elapsedTime > 0; }, 5000));
-  controller->revertSim(nullptr);
+  controller->revertSim();
   EXPECT_FALSE(controller->running());
   EXPECT_FALSE(controller->editing());
   EXPECT_EQ(world().elapsedTime, 0.0);
@@ -59,38 +59,38 @@ TEST_F(AppTest, RevertAndEditCurrentEndARun) {
   EXPECT_TRUE(item("menuSimStep")->isEnabled());
 
   for (int i = 0; i < 5; ++i)
-    controller->stepSim(nullptr);
+    controller->stepSim();
   const double y = world().findBodyById(100)->position.y;
-  controller->editCurrent(nullptr);
+  controller->editCurrent();
   EXPECT_TRUE(controller->editing());
   EXPECT_EQ(world().findBodyById(100)->position.y, y);
-  controller->edit(nullptr);
-  controller->stepSim(nullptr);
-  controller->edit(nullptr);
+  controller->edit();
+  controller->stepSim();
+  controller->edit();
   EXPECT_EQ(world().findBodyById(100)->position.y, y);
 }
 
 TEST_F(AppTest, ResetLeavesNoViewWindowAndNewBodyOpensOne) {
   designAndLeave(*controller);
-  controller->resetSim(item("menuSimReset"));
+  controller->resetSim();
   flush();
   EXPECT_EQ(viewWindowCount(), 0);
   EXPECT_TRUE(controller->editing());
   EXPECT_EQ(world().bodies->count(), 0);
-  EXPECT_TRUE(controller->bodyMenuItems().empty());
+  EXPECT_TRUE(controller->menus().bodyItems().empty());
   EXPECT_FALSE(item("menuZin")->isEnabled());
   // The design went with the reset: a run and back finds it empty.
-  controller->edit(nullptr);
-  controller->edit(nullptr);
+  controller->edit();
+  controller->edit();
   EXPECT_EQ(world().bodies->count(), 0);
 
   controller->showBodyPaletteFromMenu(nullptr);  // hide it first
-  ASSERT_FALSE(controller->bodyPaletteVisible());
-  controller->newBody(nullptr);
+  ASSERT_FALSE(controller->menus().menuBodyInfoPalette->isChecked());
+  controller->newBody();
   EXPECT_EQ(viewWindowCount(), 1);
   ASSERT_NE(controller->currentView(), nullptr);
   EXPECT_EQ(controller->currentView()->selectedBodyID, 100);
-  EXPECT_TRUE(controller->bodyPaletteVisible());
+  EXPECT_TRUE(controller->menus().menuBodyInfoPalette->isChecked());
   EXPECT_TRUE(controller->editing());
   // Still designing: Step stays off even though adding a body stopped the clock.
   EXPECT_FALSE(item("menuSimStep")->isEnabled());
@@ -99,14 +99,14 @@ TEST_F(AppTest, ResetLeavesNoViewWindowAndNewBodyOpensOne) {
 TEST_F(AppTest, NewAsksFirstAndCancelKeepsEverything) {
   designAndLeave(*controller);
   panels.confirmAnswer = Panels::Answer::Cancel;
-  controller->menuNew(nullptr);
+  controller->menuNew();
   EXPECT_EQ(panels.confirmations, 1);
   EXPECT_EQ(world().bodies->count(), 2);
   EXPECT_FALSE(controller->editing());
 
   // "Save" with a cancelled save panel still goes on to the new world.
   panels.confirmAnswer = Panels::Answer::Save;
-  controller->menuNew(nullptr);
+  controller->menuNew();
   flush();
   EXPECT_EQ(world().bodies->count(), 0);
   EXPECT_EQ(viewWindowCount(), 1);
@@ -118,17 +118,17 @@ TEST_F(AppTest, ResetWithEveryPaletteHiddenShowsTheSimulationPalette) {
   controller->showViewPaletteFromMenu(nullptr);
   controller->showBodyPaletteFromMenu(nullptr);
   controller->showSimulationPaletteFromMenu(nullptr);
-  controller->resetSim(nullptr);
+  controller->resetSim();
   flush();
   EXPECT_EQ(viewWindowCount(), 0);
   // Its menu bar keeps every command reachable.
-  EXPECT_TRUE(controller->simPaletteVisible());
+  EXPECT_TRUE(controller->menus().menuSimPalette->isChecked());
   EXPECT_TRUE(controller->simulationPaletteController()->window()->isVisible());
 }
 
 std::vector<QPoint> viewWindowPositions(const Controller& c) {
   std::vector<QPoint> at;
-  for (const OrrenvaleGLWindowController* w : c.viewWindows())
+  for (const OrrenvaleGLWindowController* w : c.windows().windows())
     at.push_back(w->window()->geometry().topLeft());
   return at;
 }
@@ -136,26 +136,26 @@ std::vector<QPoint> viewWindowPositions(const Controller& c) {
 // Round trips close and reopen the view windows; each comes back where its
 // window was when it closed, not in the cascade of new windows.
 TEST_F(AppTest, ViewWindowsReopenWhereTheyWere) {
-  controller->newView(nullptr);
+  controller->newView();
   const std::vector<QPoint> placed = {QPoint(310, 220), QPoint(520, 360)};
   for (std::size_t i = 0; i < placed.size(); ++i) {
-    QWidget* window = controller->viewWindows()[i]->window();
+    QWidget* window = controller->windows().windows()[i]->window();
     window->setGeometry(QRect(placed[i], window->size()));
   }
-  controller->edit(nullptr);  // leave design mode: the windows stay
-  controller->edit(nullptr);  // enter it again: they close and reopen
+  controller->edit();  // leave design mode: the windows stay
+  controller->edit();  // enter it again: they close and reopen
   EXPECT_EQ(viewWindowPositions(*controller), placed);
 
   // Moved during a run, a window comes back where it was at Revert.
-  controller->edit(nullptr);
-  QWidget* first = controller->viewWindows()[0]->window();
+  controller->edit();
+  QWidget* first = controller->windows().windows()[0]->window();
   first->setGeometry(QRect(QPoint(100, 90), first->size()));
-  controller->newView(nullptr);  // not part of the design: gone after Revert
-  controller->revertSim(nullptr);
+  controller->newView();  // not part of the design: gone after Revert
+  controller->revertSim();
   EXPECT_EQ(viewWindowPositions(*controller), (std::vector<QPoint>{QPoint(100, 90), placed[1]}));
 
   // Edit Current takes the windows as they are.
-  controller->editCurrent(nullptr);
+  controller->editCurrent();
   EXPECT_EQ(viewWindowPositions(*controller), (std::vector<QPoint>{QPoint(100, 90), placed[1]}));
 }
 
@@ -171,17 +171,17 @@ TEST_F(AppTest, EditMenuUndoesTheDesignAcrossARun) {
   ASSERT_NE(undo, nullptr);
   EXPECT_FALSE(undo->isEnabled());
   EXPECT_TRUE(controller->predictor().enabled());
-  controller->newBody(nullptr);
-  controller->newBody(nullptr);
+  controller->newBody();
+  controller->newBody();
   EXPECT_TRUE(undo->isEnabled());
   EXPECT_TRUE(undo->text().startsWith("&Undo Create "));
 
-  controller->edit(nullptr);  // leave design mode and run
-  controller->stepSim(nullptr);
+  controller->edit();  // leave design mode and run
+  controller->stepSim();
   EXPECT_FALSE(undo->isEnabled());
   EXPECT_FALSE(controller->predictor().enabled());
-  controller->deleteAllBodies(nullptr);  // changes the run only
-  controller->edit(nullptr);
+  controller->deleteAllBodies();  // changes the run only
+  controller->edit();
   ASSERT_EQ(world().bodies->count(), 2);
   undo->trigger();
   EXPECT_EQ(world().bodies->count(), 1);
@@ -193,7 +193,7 @@ enum class Replace { Reset, New, Open, EditCurrent };
 class DesignReplaced : public AppTest, public ::testing::WithParamInterface<Replace> {};
 
 TEST_P(DesignReplaced, ForgetsTheHistory) {
-  controller->newBody(nullptr);
+  controller->newBody();
   ASSERT_EQ(controller->history().stack().count(), 1);
   switch (GetParam()) {
     case Replace::Reset:
@@ -206,7 +206,7 @@ TEST_P(DesignReplaced, ForgetsTheHistory) {
       controller->openFile("/nonexistent/world.ovd");
       break;
     case Replace::EditCurrent:
-      controller->edit(nullptr);
+      controller->edit();
       item("menuSimEditCurrent")->trigger();
       break;
   }
@@ -232,10 +232,10 @@ TEST_F(AppTest, GraphsFollowARunAndStartAfreshWithTheDesign) {
 
   designAndLeave(*controller);
   for (int i = 0; i < 50; ++i)
-    controller->stepSim(nullptr);
-  controller->toggleSim(nullptr);
+    controller->stepSim();
+  controller->toggleSim();
   ASSERT_TRUE(QTest::qWaitFor([&] { return graphs->history().size() >= 2; }, 5000));
-  controller->toggleSim(nullptr);
+  controller->toggleSim();
   // Errors are measured from the state the run left design mode in, which
   // is the first sample, not from one taken fifty steps later.
   EXPECT_EQ(graphs->history().times().front(), 0.0);

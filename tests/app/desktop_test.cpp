@@ -104,7 +104,7 @@ class Desktop : public StartedApp<QtPanels> {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(currentWindow()));
   }
 
-  QWidget* currentWindow() const { return controller->mainWindowController()->window(); }
+  QWidget* currentWindow() const { return controller->windows().mainWindow()->window(); }
   // Quitting would end every event loop of the test; the quit item is
   // watched instead.
   std::unique_ptr<QSignalSpy> watchQuit() {
@@ -154,9 +154,9 @@ TEST_F(Desktop, ModalDialogsOpenAboveTheSplashAndThePalettes) {
 }
 
 TEST_F(Desktop, ClickingTheLastViewWindowAfterAnotherClosedEnablesItsCommands) {
-  controller->newView(nullptr);
-  OrrenvaleGLWindowController* first = controller->viewWindows()[0];
-  OrrenvaleGLWindowController* second = controller->viewWindows()[1];
+  controller->newView();
+  OrrenvaleGLWindowController* first = controller->windows().windows()[0];
+  OrrenvaleGLWindowController* second = controller->windows().windows()[1];
   ASSERT_TRUE(QTest::qWaitForWindowExposed(second->window()));
   ASSERT_TRUE(clickCloseBox(first->window()));
   clickCentre(second->CGLview());
@@ -164,14 +164,14 @@ TEST_F(Desktop, ClickingTheLastViewWindowAfterAnotherClosedEnablesItsCommands) {
   for (const char* name : {"menuFilePrint", "menuViewTIFF", "menuDeleteThis", "menuPanUp"}) {
     EXPECT_TRUE(item(name)->isEnabled()) << name;
   }
-  EXPECT_EQ(controller->mainWindowController(), second);
+  EXPECT_EQ(controller->windows().mainWindow(), second);
   EXPECT_TRUE(
       controller->viewPaletteController()->window()->findChild<QLineEdit*>("cx")->isEnabled());
 }
 
 TEST_F(Desktop, MenuKeysWorkFromEveryPalette) {
-  controller->newBody(nullptr);
-  controller->newBody(nullptr);
+  controller->newBody();
+  controller->newBody();
   View* view = controller->currentView();
   ASSERT_EQ(view->selectedBodyID, 101);
   // The palettes lie under the splash until it is clicked away.
@@ -199,7 +199,7 @@ TEST_F(Desktop, MenuKeysWorkFromEveryPalette) {
   }
   // Ctrl+W closes the active window: a palette hides through its toggle.
   typeKeys({"ctrl+w"});
-  WAIT_UNTIL(!controller->bodyPaletteVisible());
+  WAIT_UNTIL(!controller->menus().menuBodyInfoPalette->isChecked());
   EXPECT_FALSE(item("menuBodyInfoPalette")->isChecked());
 }
 
@@ -269,7 +269,7 @@ TEST_F(Desktop, MenusStayReachableWithoutViewWindowAndSimulationPalette) {
   controller->showSimulationPaletteFromMenu(nullptr);
   clickCentre(controller->splashWindow());
   ASSERT_TRUE(clickCloseBox(currentWindow()));
-  WAIT_UNTIL(controller->viewWindows().empty());
+  WAIT_UNTIL(controller->windows().windows().empty());
   QWidget* bodyPalette = controller->bodyPaletteController()->window();
   ASSERT_TRUE(bodyPalette->isVisible());
   for (QWidget* palette : {bodyPalette, controller->viewPaletteController()->window()}) {
@@ -286,7 +286,7 @@ TEST_F(Desktop, MenusStayReachableWithoutViewWindowAndSimulationPalette) {
 }
 
 TEST_F(Desktop, TextEditingKeysStayInTheFocusedField) {
-  controller->newBody(nullptr);
+  controller->newBody();
   clickCentre(controller->splashWindow());
   WAIT_UNTIL(controller->splashWindow() == nullptr);
   QWidget* simPalette = controller->simulationPaletteController()->window();

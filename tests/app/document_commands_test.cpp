@@ -23,26 +23,26 @@ class DocumentTest : public AppTest {
   // A design of two bodies and two views with their own names, cameras,
   // sizes and angles.
   void designWorld() {
-    controller->newBody(nullptr);
-    controller->newBody(nullptr);
+    controller->newBody();
+    controller->newBody();
     Body* a = world().findBodyById(100);
     a->position.x = 12.5;
     controller->worldRenameBody(a, "Terra");
     world().deleteBodyById(101);
-    controller->newBody(nullptr);  // identifier 102
+    controller->newBody();  // identifier 102
     world().gravitationalConstant = 1.0;
     world().setName("Saved world");
     View* first = controller->currentView();
     first->cameraPosition.x = 30.0;
     first->trackball->rotation.setRollPitchYaw(0.3, -0.4, 1.1);
     first->traceReference = TraceReference::CenterOfMass;
-    controller->newView(nullptr);
-    OrrenvaleGLWindowController* second = controller->mainWindowController();
+    controller->newView();
+    OrrenvaleGLWindowController* second = controller->windows().mainWindow();
     copyName(second->CGLview()->view()->name, "Side");
     controller->setWindowTitleAndMinSize(second->window(), "Side");
     second->setContentSize(400, 300);
     ASSERT_TRUE(waitForFrameOfSize(400, 300));
-    controller->editCurrent(nullptr);
+    controller->editCurrent();
     flush();
   }
 
@@ -52,14 +52,14 @@ class DocumentTest : public AppTest {
 TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   designWorld();
   panels.saves.push_back({path("world.ovd")});
-  controller->saveDocumentFromMenu(nullptr);
+  controller->saveDocumentFromMenu();
   ASSERT_TRUE(QFile::exists(path("world.ovd")));
 
-  controller->resetSim(nullptr);
+  controller->resetSim();
   flush();
   panels.confirmAnswer = Panels::Answer::DontSave;
   panels.opens.push_back({path("world.ovd"), true, true, true});
-  controller->openDocumentFromMenu(nullptr);
+  controller->openDocumentFromMenu();
   flush();
 
   EXPECT_TRUE(controller->editing());
@@ -74,8 +74,8 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
   EXPECT_EQ(bodyMenuTitles(), (std::vector<QString>{"Terra", "Body 2"}));
 
   ASSERT_EQ(viewWindowCount(), 2);
-  OrrenvaleGLWindowController* first = controller->viewWindows()[0];
-  OrrenvaleGLWindowController* second = controller->viewWindows()[1];
+  OrrenvaleGLWindowController* first = controller->windows().windows()[0];
+  OrrenvaleGLWindowController* second = controller->windows().windows()[1];
   EXPECT_EQ(first->window()->windowTitle(), "View 0");
   EXPECT_EQ(second->window()->windowTitle(), "Side");
   EXPECT_EQ(first->CGLview()->view()->cameraPosition.x, 30.0);
@@ -90,7 +90,7 @@ TEST_F(DocumentTest, SaveAndOpenRoundTripBodiesParametersAndViews) {
 
   // The bodies alone: default parameters and no view.
   panels.opens.push_back({path("world.ovd"), true, false, false});
-  controller->openDocumentFromMenu(nullptr);
+  controller->openDocumentFromMenu();
   flush();
   EXPECT_EQ(world().bodies->count(), 2);
   EXPECT_EQ(world().gravitationalConstant, World::kDefaultGravitationalConstant);
@@ -123,15 +123,15 @@ TEST_P(SaveState, WritesTheChosenStateAndShowsIt) {
   const SaveCase c = GetParam();
   designWorld();
   if (c.leave) {
-    controller->edit(nullptr);
+    controller->edit();
     for (int i = 0; i < 10; ++i)
-      controller->stepSim(nullptr);
+      controller->stepSim();
   }
   if (c.run)
-    controller->toggleSim(nullptr);
+    controller->toggleSim();
   world().findBodyById(100)->position.x = 99.0;
   panels.saves.push_back({path("saved.ovd"), true, true, true, c.stateIndex});
-  controller->saveDocumentFromMenu(nullptr);
+  controller->saveDocumentFromMenu();
   flush();
   EXPECT_FALSE(controller->running());
   EXPECT_EQ(controller->editing(), !c.leave);
@@ -157,7 +157,7 @@ TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
   garbage.write("\x01\x02<plist><dict><key>Bodies</key>");
   garbage.close();
   for (const QString& file : {path("garbage.ovd"), path("missing.ovd"), dir.path()}) {
-    controller->newBody(nullptr);
+    controller->newBody();
     controller->openFile(file);
     flush();
     EXPECT_EQ(world().bodies->count(), 0) << file.toStdString();
@@ -166,7 +166,7 @@ TEST_F(DocumentTest, UnreadableFilesGiveTheDefaultWorldWithoutViews) {
     EXPECT_EQ(world().timeStep, World::kDefaultTimeStep);
   }
   panels.opens.push_back({path("garbage.ovd"), true, true, true});
-  controller->openDocumentFromMenu(nullptr);
+  controller->openDocumentFromMenu();
   EXPECT_EQ(viewWindowCount(), 0);
 }
 
@@ -184,7 +184,7 @@ TEST_F(DocumentTest, FifoGivesTheDefaultWorldWithoutWaitingForAWriter) {
       ::close(fd);
     }
   });
-  controller->newBody(nullptr);
+  controller->newBody();
   controller->openFile(path("world.ovd"));
   released = true;
   const int reader = ::open(fifo.constData(), O_RDONLY | O_NONBLOCK);
@@ -199,9 +199,9 @@ TEST_F(DocumentTest, FifoGivesTheDefaultWorldWithoutWaitingForAWriter) {
 
 TEST_F(DocumentTest, CancelledPanelsChangeNothing) {
   designWorld();
-  controller->openDocumentFromMenu(nullptr);  // "Don't Save", then the panel is cancelled
-  controller->saveDocumentFromMenu(nullptr);
-  controller->exportTIFF(nullptr);
+  controller->openDocumentFromMenu();  // "Don't Save", then the panel is cancelled
+  controller->saveDocumentFromMenu();
+  controller->exportTIFF();
   flush();
   EXPECT_EQ(world().bodies->count(), 2);
   EXPECT_EQ(viewWindowCount(), 2);
@@ -220,7 +220,7 @@ TEST_F(DocumentTest, SavingToAReadOnlyPlaceLeavesTheOldFile) {
   }
   QFile::setPermissions(dir.filePath("locked"), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
   panels.saves.push_back({locked});
-  controller->saveDocumentFromMenu(nullptr);
+  controller->saveDocumentFromMenu();
   QFile::setPermissions(dir.filePath("locked"),
                         QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
   QFile check(locked);
@@ -232,16 +232,16 @@ TEST_F(DocumentTest, SavingToAReadOnlyPlaceLeavesTheOldFile) {
 }
 
 TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
-  controller->newBody(nullptr);
+  controller->newBody();
   Body* b = world().findBodyById(100);
   b->radius = 40.0;
   b->color[0] = 1.0f, b->color[1] = 0.0f, b->color[2] = 0.0f;
   b->position.y = 100.0;  // in the upper half of the view
   controller->currentView()->selectedBodyID = 0;
-  controller->mainWindowController()->setContentSize(420, 330);
+  controller->windows().mainWindow()->setContentSize(420, 330);
   ASSERT_TRUE(waitForFrameOfSize(420, 330));
   panels.files.push_back(path("view"));
-  controller->exportTIFF(nullptr);
+  controller->exportTIFF();
   EXPECT_EQ(panels.lastFileTitle, "Export View to TIFF");
   EXPECT_EQ(panels.lastFileSuffix, "tiff");
   QImageReader reader(path("view"), "tiff");
@@ -262,7 +262,7 @@ TEST_F(DocumentTest, ExportTiffWritesAnUprightImageOfTheViewsSize) {
 }
 
 TEST_F(DocumentTest, PrintHandsTheCapturedViewToThePrintDialog) {
-  controller->mainWindowController()->setContentSize(300, 240);
+  controller->windows().mainWindow()->setContentSize(300, 240);
   ASSERT_TRUE(waitForFrameOfSize(300, 240));
   item("menuFilePrint")->trigger();
   EXPECT_EQ(panels.printed.size(), QSize(300, 240));

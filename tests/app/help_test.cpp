@@ -23,7 +23,7 @@ class UrlCatcher : public QObject {
 using HelpTest = AppTest;
 
 TEST_F(HelpTest, AboutBoxGivesTheVersionWhatItIsAndTheLicence) {
-  showAbout(nullptr);
+  showAbout(panels, nullptr);
   EXPECT_EQ(panels.aboutTitle, "About Orrenvale");
   EXPECT_TRUE(panels.aboutText.contains("Orrenvale " ORRENVALE_VERSION));
   EXPECT_TRUE(panels.aboutText.contains("N-body gravitation simulator"));
@@ -35,7 +35,7 @@ TEST_F(HelpTest, AboutBoxGivesTheVersionWhatItIsAndTheLicence) {
 TEST_F(HelpTest, HelpOpensTheReadmeInTheDesktopsViewer) {
   UrlCatcher catcher;
   QDesktopServices::setUrlHandler("file", &catcher, "open");
-  const bool opened = openHelp();
+  const bool opened = openHelp(panels);
   QDesktopServices::unsetUrlHandler("file");
   EXPECT_TRUE(opened);
   EXPECT_TRUE(panels.alerts.empty());

@@ -26,7 +26,7 @@ class MovieTest : public AppTest {
       for (int c = 0; c < 3; ++c)
         b->color[c] = c == i ? 1.0f : 0.1f;
     }
-    controller->mainWindowController()->setContentSize(320, 240);
+    controller->windows().mainWindow()->setContentSize(320, 240);
     flush();
     ASSERT_TRUE(QTest::qWaitFor([&] { return view().size() == QSize(320, 240); }));
   }
@@ -37,7 +37,7 @@ class MovieTest : public AppTest {
   // panel with `choice`.
   MovieRecorder* record(const Panels::MovieChoice& choice) {
     panels.movies.push_back(choice);
-    MovieRecorder* recorder = exportViewAsMovie(view());
+    MovieRecorder* recorder = controller->movies().exportView(view());
     if (recorder != nullptr) {
       QObject::connect(recorder, &MovieRecorder::finished,
                        [this](MovieRecorder::Outcome o, const QString&) { outcome = o; });
@@ -58,7 +58,7 @@ class MovieTest : public AppTest {
 TEST_F(MovieTest, FortyEightFramesOfTheViewMatchItsTiffCapture) {
   const QString tiff = dir.filePath("view.tiff");
   panels.files.push_back(tiff);
-  controller->exportTIFF(nullptr);
+  controller->exportTIFF();
   const QImage still = QImageReader(tiff, "tiff").read();
   ASSERT_EQ(still.size(), QSize(320, 240));
 
@@ -88,8 +88,8 @@ TEST_F(MovieTest, FortyEightFramesOfTheViewMatchItsTiffCapture) {
 }
 
 TEST_F(MovieTest, RecordingLeavesTheClockRunningAtItsPace) {
-  controller->edit(nullptr);  // out of design mode
-  controller->toggleSim(nullptr);
+  controller->edit();  // out of design mode
+  controller->toggleSim();
   ASSERT_TRUE(controller->running());
   const double before = world().elapsedTime;
   const int interval = view().redrawTimer()->interval();
@@ -114,7 +114,7 @@ TEST_P(MovieEnd, LeavesNoFile) {
   ASSERT_NE(recorder, nullptr);
   ASSERT_TRUE(QTest::qWaitFor([&] { return recorder->framesTaken() >= 3; }));
   if (closeView) {
-    controller->mainWindowController()->closeAsUser();
+    controller->windows().mainWindow()->closeAsUser();
   } else {
     panels.pressCancel();
   }
@@ -124,7 +124,7 @@ TEST_P(MovieEnd, LeavesNoFile) {
   ASSERT_EQ(panels.alertMessages.size(), closeView ? 1u : 0u);
   EXPECT_TRUE(!closeView || panels.alertMessages[0].contains("ended.mp4"));
   EXPECT_EQ(filesLeft(), QStringList());
-  EXPECT_EQ(MovieRecorder::active(), nullptr);
+  EXPECT_EQ(controller->movies().active(), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, MovieEnd, ::testing::Bool(),
@@ -160,7 +160,7 @@ TEST_P(MovieFailure, GivesAMessageAndNoFile) {
   EXPECT_EQ(panels.alertMessages[0],
             path + " cannot be written (" + c.reason + "); no movie was saved.");
   EXPECT_EQ(filesLeft(), QStringList());
-  EXPECT_EQ(MovieRecorder::active(), nullptr);
+  EXPECT_EQ(controller->movies().active(), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(

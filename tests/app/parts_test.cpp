@@ -11,6 +11,8 @@
 #include "app/orrenvale_gl_window_controller.h"
 #include "app/simulation_clock.h"
 #include "app/view_window_registry.h"
+#include "engine/world.h"
+#include "view/view_host.h"
 
 namespace {
 
@@ -67,9 +69,16 @@ INSTANTIATE_TEST_SUITE_P(States, MenusPart,
 TEST(ViewWindowRegistryPart, MainWindowIsTheLastActivatedAndPassesBackOnClose) {
   std::vector<bool> announced;
   int closes = 0;
+  // The views of the windows show a world of their own.
+  struct Host : ViewHost {
+    World& world() override { return w; }
+    int panType() const override { return kPanTypeXY; }
+    bool running() const override { return false; }
+    World w;
+  } host;
   ViewWindowRegistry registry(
-      {[](QMenuBar*) {}, [](QWidget* w, const QString& t) { w->setWindowTitle(t); },
-       [&](bool main) { announced.push_back(main); }, [&](bool) { ++closes; }});
+      host, {[](QMenuBar*) {}, [](QWidget* w, const QString& t) { w->setWindowTitle(t); },
+             [&](bool main) { announced.push_back(main); }, [&](bool) { ++closes; }});
   OrrenvaleGLWindowController* a = registry.open();
   OrrenvaleGLWindowController* b = registry.open();
   OrrenvaleGLWindowController* c = registry.open(QPoint(300, 200));

@@ -31,8 +31,7 @@
 // send.
 class PaletteTestHost : public PaletteHost {
  public:
-  PaletteTestHost() { setViewHost(this); }
-  ~PaletteTestHost() override { setViewHost(nullptr); }
+  PaletteTestHost() = default;
   PaletteTestHost(const PaletteTestHost&) = delete;
   PaletteTestHost& operator=(const PaletteTestHost&) = delete;
 
@@ -229,7 +228,7 @@ class PaletteTest : public testing::Test {
   ScriptedPanels& dialogs = host.dialogs;
   View view{0};
   QWidget viewWindow;
-  Palette palette;
+  Palette palette{host};
   QWidget* win = palette.window();
   bool visible = false;
 };

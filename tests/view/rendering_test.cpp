@@ -52,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(Shapes, Capture, ::testing::Values(QSize(300, 200), QSi
 
 TEST_F(Rendering, ViewNeverShownCapturesBlackAtItsSizeAndPicksNothing) {
   addBody(Vector(), 30.0, 1.0f, 0.0f, 0.0f);
-  OrrenvaleGL gl;
+  OrrenvaleGL gl(host);
   gl.resize(120, 80);
   EXPECT_EQ(gl.pick(10, 10), 0);
   const QImage image = gl.captureView();

@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 OrrenvaleGL& ViewFixture::openView(int w, int h) {
-  views.push_back(std::make_unique<OrrenvaleGL>());
+  views.push_back(std::make_unique<OrrenvaleGL>(host));
   OrrenvaleGL& view = *views.back();
   view.resize(w, h);
   view.show();

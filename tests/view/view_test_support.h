@@ -34,14 +34,10 @@ class TestHost : public ViewHost {
   PathPredictor predictor;
 };
 
-// Installs a host with a fresh world and opens real view windows on it.
+// A host with a fresh world, and real view windows opened on it.
 class ViewFixture : public ::testing::Test {
  protected:
-  void SetUp() override { setViewHost(&host); }
-  void TearDown() override {
-    views.clear();
-    setViewHost(nullptr);
-  }
+  void TearDown() override { views.clear(); }
 
   // A top-level view of w x h pixels, on screen.
   OrrenvaleGL& openView(int w, int h);
