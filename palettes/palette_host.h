@@ -39,8 +39,8 @@ class PaletteHost : public ViewHost {
   virtual void worldRenameBody(Body* body, std::string_view newName) = 0;
 
   // The palettes' changes to the world. A commit to the inspected body or to
-  // the simulation parameters runs in apply, which writes the model as the
-  // palette always has (a body's name through worldRenameBody); the body
+  // the simulation parameters runs in apply, which writes the model (a body's
+  // name through worldRenameBody); the body
   // palette's delete button uses deleteBody. By default these act on the
   // world directly; the application overrides them to record what changed
   // for undo while the world is being designed (editing()).

@@ -252,8 +252,7 @@ void TextOutputController::clickSave(QObject*) {
   }
   // Written whole to a temporary file and moved into place (a FIFO or a
   // device is written as a stream, never replaced); a failed write leaves
-  // any earlier file as it was and, as the log's saving always has, reports
-  // nothing.
+  // any earlier file as it was and reports nothing.
   OutputFile file;
   if (file.open(*path, FifoOpen::FailWithoutReader) &&
       log_.copyTo([&file](const char* data, std::size_t size) { return file.write(data, size); })) {

@@ -12,6 +12,7 @@
 
 #include "app/splash_window.h"
 #include "app_test_support.h"
+#include "tests/case_names.h"
 #include "tests/engine/test_support.h"
 #include "tests/palettes/close_box.h"
 
@@ -61,7 +62,9 @@ INSTANTIATE_TEST_SUITE_P(Speeds, WorldSpeed,
                                            SpeedCase{-3.0f, 0.01f, 0}, SpeedCase{0.4f, 0.4f, 0},
                                            SpeedCase{20.0f, 20.0f, 20},
                                            SpeedCase{2147483648.0f, 2147483648.0f, kSlowest},
-                                           SpeedCase{kInfinity, kInfinity, kSlowest}));
+                                           SpeedCase{kInfinity, kInfinity, kSlowest}),
+                         caseNames({"Zero", "BelowTheBound", "Negative", "Fraction", "Twenty",
+                                    "TwoToThe31", "Infinite"}));
 
 TEST_F(AppTest, ThereIsNeverMoreThanOneUpdateTimer) {
   controller->edit();  // leave design mode

@@ -5,6 +5,7 @@
 #include "app/design_history.h"
 #include "app_test_support.h"
 #include "palettes/graphs_window_controller.h"
+#include "tests/case_names.h"
 #include "view/path_predictor.h"
 
 namespace {
@@ -217,7 +218,8 @@ TEST_P(DesignReplaced, ForgetsTheHistory) {
 
 INSTANTIATE_TEST_SUITE_P(Commands, DesignReplaced,
                          ::testing::Values(Replace::Reset, Replace::New, Replace::Open,
-                                           Replace::EditCurrent));
+                                           Replace::EditCurrent),
+                         caseNames({"Reset", "New", "Open", "EditCurrent"}));
 
 // The Graphs palette's toggle keeps flag, mark and window together, the
 // palette samples a run, and entering design mode or Reset starts afresh.

@@ -74,7 +74,8 @@ TEST_P(MovieEncoding, EveryFrameComesBackInOrderAtThePaddedSize) {
 
 INSTANTIATE_TEST_SUITE_P(Codecs, MovieEncoding,
                          ::testing::Values(EncodeCase{MovieCodec::H264, "h264", QSize(321, 241)},
-                                           EncodeCase{MovieCodec::VP9, "vp9", QSize(321, 241)}));
+                                           EncodeCase{MovieCodec::VP9, "vp9", QSize(321, 241)}),
+                         [](const auto& p) { return std::string(p.param.codecName); });
 
 // A view resized while it is recorded: its frames are scaled into the
 // movie's size, keeping their shape, with black beside them.

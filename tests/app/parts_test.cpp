@@ -12,11 +12,12 @@
 #include "app/simulation_clock.h"
 #include "app/view_window_registry.h"
 #include "engine/world.h"
+#include "tests/case_names.h"
 #include "view/view_host.h"
 
 namespace {
 
-TEST(SimulationClockPart, TicksOnlyWhileRunningAndRefreshesOnlyWhileStopped) {
+TEST(SimulationClock, TicksOnlyWhileRunningAndRefreshesOnlyWhileStopped) {
   int ticks = 0;
   int idles = 0;
   SimulationClock clock([&] { ++ticks; }, [&] { ++idles; });
@@ -45,9 +46,9 @@ struct MenuState {
   bool runEnabled, runChecked, stepEnabled, editChecked, editCurrentEnabled;
 };
 
-class MenusPart : public ::testing::TestWithParam<MenuState> {};
+class AppMenusTest : public ::testing::TestWithParam<MenuState> {};
 
-TEST_P(MenusPart, SimulationItemsFollowTheClockAndDesignMode) {
+TEST_P(AppMenusTest, SimulationItemsFollowTheClockAndDesignMode) {
   const MenuState s = GetParam();
   AppMenus menus;
   menus.showSimulationState(s.running, s.editing);
@@ -60,13 +61,14 @@ TEST_P(MenusPart, SimulationItemsFollowTheClockAndDesignMode) {
   EXPECT_TRUE(menus.menuSimReset->isEnabled());
 }
 
-INSTANTIATE_TEST_SUITE_P(States, MenusPart,
+INSTANTIATE_TEST_SUITE_P(States, AppMenusTest,
                          ::testing::Values(MenuState{false, false, true, false, true, false, true},
                                            MenuState{true, false, true, true, false, false, true},
                                            MenuState{false, true, false, false, false, true,
-                                                     false}));
+                                                     false}),
+                         caseNames({"Stopped", "Running", "DesignMode"}));
 
-TEST(ViewWindowRegistryPart, MainWindowIsTheLastActivatedAndPassesBackOnClose) {
+TEST(ViewWindowRegistry, MainWindowIsTheLastActivatedAndPassesBackOnClose) {
   std::vector<bool> announced;
   int closes = 0;
   // The views of the windows show a world of their own.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "document/world_document.h"
+#include "tests/case_names.h"
 #include "tests/engine/test_support.h"
 
 namespace {
@@ -78,7 +79,8 @@ TEST_P(CollisionlessExample, KeepsItsEnergyOverAThousandSteps) {
 
 INSTANTIATE_TEST_SUITE_P(Examples, CollisionlessExample,
                          ::testing::Values("inner-solar-system.ovd", "figure-eight.ovd",
-                                           "binary-star-planet.ovd"));
+                                           "binary-star-planet.ovd"),
+                         [](const auto& p) { return textCaseName(p.param, p); });
 
 // A year of the Sun, Earth and Moon: the Moon stays on its nearly circular
 // orbit about the Earth, and the Earth on its circle about the Sun.

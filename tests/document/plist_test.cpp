@@ -6,6 +6,7 @@
 
 #include "document/plist_reader.h"
 #include "document/plist_writer.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -33,15 +34,17 @@ TEST_P(PlistReals, ReadBackBitForBit) {
   EXPECT_EQ(std::bit_cast<uint64_t>(*back.realValue()), std::bit_cast<uint64_t>(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Plist, PlistReals,
-                         ::testing::Values(0.0, -0.0, 0.1, 1.0 / 3.0, 0.009999999776482582,
-                                           6.672590258105515e-11, 39.47841760435743,
-                                           -1.2345678901234567e300,
-                                           std::numeric_limits<double>::denorm_min(),
-                                           std::numeric_limits<double>::max(),
-                                           std::numeric_limits<double>::infinity(),
-                                           -std::numeric_limits<double>::infinity(),
-                                           std::numeric_limits<double>::quiet_NaN()));
+INSTANTIATE_TEST_SUITE_P(
+    Plist, PlistReals,
+    ::testing::Values(0.0, -0.0, 0.1, 1.0 / 3.0, 0.009999999776482582, 6.672590258105515e-11,
+                      39.47841760435743, -1.2345678901234567e300,
+                      std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::max(),
+                      std::numeric_limits<double>::infinity(),
+                      -std::numeric_limits<double>::infinity(),
+                      std::numeric_limits<double>::quiet_NaN()),
+    caseNames({"Zero", "NegativeZero", "OneTenth", "OneThird", "DefaultTimeStep", "DefaultG",
+               "FourPiSquared", "Huge", "SmallestSubnormal", "Largest", "Infinity",
+               "NegativeInfinity", "NotANumber"}));
 
 // The writer emits the XML declaration, the property-list doctype and the
 // version, and every value type comes back as written.
@@ -186,7 +189,10 @@ INSTANTIATE_TEST_SUITE_P(
         Lenient{PlistValue::integer(3), 3.0, 3, true},
         Lenient{PlistValue::boolean(true), 1.0, 1, true},
         Lenient{PlistValue(PlistDict()), std::nullopt, std::nullopt, std::nullopt},
-        Lenient{PlistValue::data(QByteArray("12")), std::nullopt, std::nullopt, std::nullopt}));
+        Lenient{PlistValue::data(QByteArray("12")), std::nullopt, std::nullopt, std::nullopt}),
+    caseNames({"SignedNumberThenText", "NumberThenUnit", "Word", "Yes", "False", "Zero",
+               "BeyondInt64", "NegativeReal", "HugeReal", "Integer", "Boolean", "Dictionary",
+               "Data"}));
 
 TEST(Plist, NaNHasNoIntegerAndNarrowingBeyondTheFloatRangeGivesInfinity) {
   EXPECT_FALSE(PlistValue::real(std::nan("")).toInteger());

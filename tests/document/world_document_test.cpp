@@ -10,6 +10,7 @@
 #include "document/plist_reader.h"
 #include "document/plist_writer.h"
 #include "document/world_document.h"
+#include "tests/case_names.h"
 #include "tests/engine/test_support.h"
 
 namespace {
@@ -329,6 +330,8 @@ INSTANTIATE_TEST_SUITE_P(WorldDocument, WorldDocumentSpeed,
                                            SpeedCase{-3.0, 0.01f}, SpeedCase{0.02, 0.02f},
                                            SpeedCase{10.0, 10.0f}, SpeedCase{std::nan(""), 0.01f},
                                            SpeedCase{1e300,
-                                                     std::numeric_limits<float>::infinity()}));
+                                                     std::numeric_limits<float>::infinity()}),
+                         caseNames({"Zero", "BelowTheBound", "Negative", "Small", "Ten",
+                                    "NotANumber", "BeyondSinglePrecision"}));
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "engine/body.h"
 #include "engine/names.h"
 #include "test_support.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -97,6 +98,8 @@ INSTANTIATE_TEST_SUITE_P(
                                    s += "\xF0\x9F\x8C\x8D";
                                  return s;
                                }(),
-                               252}));
+                               252}),
+    caseNames({"Empty", "Earth", "Fits", "OneTooLong", "VeryLong", "EmbeddedNul",
+               "CharacterAcrossTheEnd", "CharacterAtTheEnd", "FourByteCharacters"}));
 
 }  // namespace

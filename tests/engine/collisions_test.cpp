@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "test_support.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -104,7 +105,8 @@ TEST_P(Rebound, KeepsMomentumAndScalesTheNormalRelativeVelocityByMinusE) {
   EXPECT_NEAR((world.momentum() - momentum).length(), 0, 1e-14);
 }
 
-INSTANTIATE_TEST_SUITE_P(Restitution, Rebound, ::testing::Values(0.0, 0.35, 1.0, 1.5));
+INSTANTIATE_TEST_SUITE_P(Restitution, Rebound, ::testing::Values(0.0, 0.35, 1.0, 1.5),
+                         caseNames({"Inelastic", "Partly", "Elastic", "Superelastic"}));
 
 // A touching pair rebounds even when it already separates; coincident
 // centres give no normal, so their velocities stay.

@@ -194,8 +194,8 @@ TEST_P(ForcePassSizes, FastPassGivesThePlainPassBits) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, ForcePassSizes,
-                         ::testing::Values(1, 2, 3, 4, 5, 7, 8, 9, 17, 63, 64, 65, 129, 1000,
-                                           1003));
+                         ::testing::Values(1, 2, 3, 4, 5, 7, 8, 9, 17, 63, 64, 65, 129, 1000, 1003),
+                         [](const auto& p) { return std::to_string(p.param) + "Bodies"; });
 
 // Every guarded case, mixed into ordinary bodies so that they fall on the
 // diagonal strips, in partner lanes and in row lanes of the vector tiles.

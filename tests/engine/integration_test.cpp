@@ -184,7 +184,7 @@ class CancellingMonitor : public StepMonitor {
   int cancelAt_;
 };
 
-// The long step that once froze the program: an eccentric pair of point
+// A step that refines for very long: an eccentric pair of point
 // bodies with a time step of 100 refines towards the 1e-8 substep. One short
 // step first leaves a trace point and a changed state to start from.
 void setUpLongStep(World& world) {

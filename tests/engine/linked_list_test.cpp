@@ -5,6 +5,7 @@
 
 #include "engine/linked_list.h"
 #include "test_support.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -58,7 +59,9 @@ INSTANTIATE_TEST_SUITE_P(HeadMiddleTail, LinkedListRemove,
                          ::testing::Values(RemoveCase{1, 0, {}}, RemoveCase{2, 1, {0}},
                                            RemoveCase{3, 0, {1, 2}}, RemoveCase{3, 1, {0, 2}},
                                            RemoveCase{3, 2, {0, 1}},
-                                           RemoveCase{5, 3, {0, 1, 2, 4}}));
+                                           RemoveCase{5, 3, {0, 1, 2, 4}}),
+                         caseNames({"OnlyItem", "TailOfTwo", "HeadOfThree", "MiddleOfThree",
+                                    "TailOfThree", "FourthOfFive"}));
 
 TEST(LinkedList, InsertBeforeKeepsBothDirectionsConsistent) {
   std::vector<int> log;

@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "engine/quaternion.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -57,7 +58,8 @@ INSTANTIATE_TEST_SUITE_P(Angles, QuaternionAngles,
                                            std::make_tuple(0.0, 1.2, 0.0),
                                            std::make_tuple(0.0, 0.0, -2.9),
                                            std::make_tuple(-3.0, -1.5, 3.0),
-                                           std::make_tuple(1.0, 0.7, -0.3)));
+                                           std::make_tuple(1.0, 0.7, -0.3)),
+                         caseNames({"Roll", "Pitch", "Yaw", "AllNearTheLimits", "AllSmall"}));
 
 // Zero angles give exactly the identity and back; the identity and the zero
 // quaternion give the identity matrix.

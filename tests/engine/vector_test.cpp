@@ -5,6 +5,7 @@
 
 #include "engine/vector.h"
 #include "test_support.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -33,7 +34,9 @@ INSTANTIATE_TEST_SUITE_P(Cases, VectorNormalized,
                                            NormalizeCase{vec(0, 0, 1e-12), vec(0, 0, 0)},
                                            NormalizeCase{vec(0, 0, 2e-12), vec(0, 0, 1)},
                                            NormalizeCase{vec(0, -3, 4), vec(0, -0.6, 0.8)},
-                                           NormalizeCase{vec(kNaN, 1, 1), vec(0, 0, 0)}));
+                                           NormalizeCase{vec(kNaN, 1, 1), vec(0, 0, 0)}),
+                         caseNames({"Zero", "BelowTolerance", "AtTolerance", "AboveTolerance",
+                                    "Ordinary", "NotANumber"}));
 
 TEST(Vector, IsZeroUsesStrictComparisonsPerComponent) {
   EXPECT_FALSE(vec(1e-12, 0, 0).isZero());

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "palettes/number_text.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -30,7 +31,8 @@ INSTANTIATE_TEST_SUITE_P(
                     RealCase{"-0", -0.0}, RealCase{"1e400", kInf}, RealCase{"-1e400", -kInf},
                     RealCase{"1e-400", 0.0}, RealCase{"NaN", 0.0}, RealCase{"inf", 0.0},
                     RealCase{"0x10", 0.0}, RealCase{"1,5", 1.0}, RealCase{"-", 0.0},
-                    RealCase{"6.67259e-11", 6.67259e-11}));
+                    RealCase{"6.67259e-11", 6.67259e-11}),
+    [](const auto& p) { return textCaseName(p.param.text, p); });
 
 struct IntCase {
   const char* text;
@@ -49,7 +51,8 @@ INSTANTIATE_TEST_SUITE_P(
                     IntCase{"", 0}, IntCase{"1e5", 1},
                     IntCase{"99999999999", std::numeric_limits<int32_t>::max()},
                     IntCase{"-99999999999", std::numeric_limits<int32_t>::min()},
-                    IntCase{"999999999999999999999999", std::numeric_limits<int32_t>::max()}));
+                    IntCase{"999999999999999999999999", std::numeric_limits<int32_t>::max()}),
+    [](const auto& p) { return textCaseName(p.param.text, p); });
 
 TEST(FormatReal, PrintsLikePercentG) {
   EXPECT_EQ(formatReal(1e-05), QStringLiteral("1e-05"));

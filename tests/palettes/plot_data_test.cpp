@@ -6,6 +6,7 @@
 
 #include "palettes/graph_history.h"
 #include "palettes/plot_axis.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -56,7 +57,8 @@ INSTANTIATE_TEST_SUITE_P(
     Values, TickLabel,
     ::testing::Values(LabelCase{0.30000000000000004, 0.1, "0.3"}, LabelCase{1500.0, 500.0, "1500"},
                       LabelCase{-2.5e-7, 5e-8, "-2.5e-07"}, LabelCase{4e6, 1e6, "4e+06"},
-                      LabelCase{1e-19, 0.2, "0.0"}, LabelCase{-1e-30, 5e-13, "0"}));
+                      LabelCase{1e-19, 0.2, "0.0"}, LabelCase{-1e-30, 5e-13, "0"}),
+    [](const auto& p) { return textCaseName(p.param.label, p); });
 
 TEST(PlotAxis, LinearAxesTickOnRoundStepsAndIntegersOnWholeNumbers) {
   const AxisTicks a = linearAxis(0.3, 9.2, 5);

@@ -3,6 +3,7 @@
 
 #include "palette_test_support.h"
 #include "palettes/simulation_window_controller.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -170,7 +171,8 @@ INSTANTIATE_TEST_SUITE_P(
     States, SimulationButtons,
     testing::Values(ButtonCase{true, false, false, false, nullptr, "Leave design mode"},
                     ButtonCase{false, true, true, false, "Stop simulation", "Enter design mode"},
-                    ButtonCase{false, false, true, true, "Run simulation", "Enter design mode"}));
+                    ButtonCase{false, false, true, true, "Run simulation", "Enter design mode"}),
+    caseNames({"DesignMode", "Running", "Stopped"}));
 
 // The step button's command runs at once, and the palette shows its result
 // without waiting for a refresh.

@@ -3,6 +3,7 @@
 
 #include "palette_test_support.h"
 #include "palettes/view_window_controller.h"
+#include "tests/case_names.h"
 
 namespace {
 
@@ -180,6 +181,7 @@ TEST_P(ViewBadInput, IsTakenWithoutHarm) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ViewBadInput,
-                         testing::Values("letters", "", "1e400", "-0", "NaN", "1e-400"));
+                         testing::Values("letters", "", "1e400", "-0", "NaN", "1e-400"),
+                         [](const auto& p) { return textCaseName(p.param, p); });
 
 }  // namespace

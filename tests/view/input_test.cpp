@@ -6,6 +6,7 @@
 #include <QWheelEvent>
 #include <QtTest/QTest>
 
+#include "tests/case_names.h"
 #include "view_test_support.h"
 
 namespace {
@@ -119,7 +120,9 @@ INSTANTIATE_TEST_SUITE_P(Deltas, InputWheel,
                                            WheelCase{{60}, 400}, WheelCase{{-119}, 400},
                                            WheelCase{{480}, 360},
                                            WheelCase{std::vector<int>(5, 30), 360},
-                                           WheelCase{std::vector<int>(8, 30), 324}));
+                                           WheelCase{std::vector<int>(8, 30), 324}),
+                         caseNames({"NotchIn", "NotchOut", "HalfNotch", "AlmostANotchOut",
+                                    "FourNotches", "FiveSmallDeltas", "EightSmallDeltas"}));
 
 using Commands = ViewFixture;
 

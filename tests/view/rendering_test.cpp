@@ -3,6 +3,7 @@
 #include <QtTest/QTest>
 #include <cmath>
 
+#include "tests/case_names.h"
 #include "view_test_support.h"
 
 namespace {
@@ -189,7 +190,8 @@ const double kCot = 1.0 + std::sqrt(2.0);
 INSTANTIATE_TEST_SUITE_P(Shapes, RenderingProjection,
                          ::testing::Values(ShapeCase{400, 200, kCot / 2, kCot},
                                            ShapeCase{200, 400, kCot, kCot / 2},
-                                           ShapeCase{300, 300, kCot, kCot}));
+                                           ShapeCase{300, 300, kCot, kCot}),
+                         caseNames({"Wide", "Tall", "Square"}));
 
 // A lattice too dense to draw is skipped: the frame finishes at once and
 // shows no grid, only the marker (seen from close by). Black bodies span the
